@@ -1,0 +1,550 @@
+#include "CString.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <ostream>
+#include <stdexcept>
+
+#include "framework/RuntimeText.h"
+#include "framework/TextSearch.h"
+
+#if __has_include(<sys/single_threaded.h>)
+#include <sys/single_threaded.h>
+#define KVT01_SINGLE_THREADED __libc_single_threaded
+#else
+#define KVT01_SINGLE_THREADED false
+#endif
+
+namespace {
+
+// What stands before the characters of a long text.
+struct Block {
+    std::atomic<int> references;
+    int capacity; // characters, the closing NUL not counted
+
+    static Block* Of(const char* text) noexcept
+    {
+        return reinterpret_cast<Block*>(const_cast<char*>(text) - sizeof(Block));
+    }
+    char* Text() noexcept { return reinterpret_cast<char*>(this) + sizeof(Block); }
+};
+
+constexpr std::size_t AllocationStep = 16;
+
+// The bytes of a block for so many characters and a NUL, rounded up to what the allocator gives anyway.
+std::size_t BlockSize(int capacity) noexcept
+{
+    const std::size_t needed = sizeof(Block) + static_cast<std::size_t>(capacity) + 1;
+    return (needed + AllocationStep - 1) / AllocationStep * AllocationStep;
+}
+
+// Gives `old` (or nothing) the room for so many characters; its text is kept.
+Block* Reallocate(Block* old, int capacity)
+{
+    if (capacity > CString::MaxLength)
+        throw std::length_error("CString too long");
+    const std::size_t size = BlockSize(capacity);
+    void* const memory = std::realloc(static_cast<void*>(old), size);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    if (old == nullptr)
+        new (memory) Block{1, 0};
+    auto* const block = static_cast<Block*>(memory);
+    block->capacity = static_cast<int>(size - sizeof(Block)) - 1;
+    return block;
+}
+
+bool IsUnique(const char* text) noexcept
+{
+    return Block::Of(text)->references.load(std::memory_order_acquire) == 1;
+}
+
+std::size_t Size(int length) noexcept
+{
+    return static_cast<std::size_t>(length);
+}
+
+} // namespace
+
+// ---- representation
+// ---------------------------------------------------------------------------------------------
+
+void CString::ThrowTooLong()
+{
+    throw std::length_error("CString too long");
+}
+
+// Plain arithmetic while the process has one thread, atomic from the second one on.
+void CString::AddReference() const noexcept
+{
+    auto& references = Block::Of(LongText())->references;
+    if (KVT01_SINGLE_THREADED)
+        references.store(references.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    else
+        references.fetch_add(1, std::memory_order_relaxed);
+}
+
+void CString::Release() noexcept
+{
+    Block* const block = Block::Of(LongText());
+    if (KVT01_SINGLE_THREADED) {
+        const int left = block->references.load(std::memory_order_relaxed) - 1;
+        block->references.store(left, std::memory_order_relaxed);
+        if (left == 0)
+            std::free(block);
+    } else if (block->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        std::free(block);
+    }
+}
+
+void CString::SetLong(char* text, int length) noexcept
+{
+    ClearBytes();
+    std::memcpy(m_bytes, &text, sizeof text);
+    std::memcpy(m_bytes + sizeof text, &length, sizeof length);
+    m_bytes[TagAt] = static_cast<char>(LongTag);
+}
+
+// The length of a text that is ours alone; what lies behind it is closed with a NUL, or zeros if short.
+void CString::SetLength(int length) noexcept
+{
+    if (IsLong()) {
+        std::memcpy(m_bytes + sizeof(char*), &length, sizeof length);
+        LongText()[length] = '\0';
+    } else {
+        std::memset(m_bytes + length, 0, Size(TagAt - length));
+        m_bytes[TagAt] = static_cast<char>(length);
+    }
+}
+
+// Makes the text ours alone with room for so many characters; the text itself stays.
+char* CString::Writable(int capacity)
+{
+    const int length = GetLength();
+    capacity = std::max(capacity, length);
+    if (!IsLong()) {
+        if (capacity <= MaxInline)
+            return m_bytes;
+        char* const text = Reallocate(nullptr, capacity)->Text();
+        std::memcpy(text, m_bytes, Size(MaxInline + 1));
+        SetLong(text, length);
+        return text;
+    }
+    char* text = LongText();
+    if (!IsUnique(text)) {
+        char* const copy = Reallocate(nullptr, capacity)->Text();
+        std::memcpy(copy, text, Size(length) + 1);
+        Release();
+        text = copy;
+    } else if (Block::Of(text)->capacity < capacity) {
+        text = Reallocate(Block::Of(text), capacity)->Text();
+    }
+    SetLong(text, length);
+    return text;
+}
+
+// The same with room that grows by half, so that appending piece by piece costs constant time per character.
+char* CString::WritableForAppend(int added)
+{
+    const int length = GetLength();
+    if (added > MaxLength - length)
+        ThrowTooLong();
+    const int needed = length + added;
+    if (needed <= MaxInline && !IsLong())
+        return m_bytes;
+    if (IsLong() && IsUnique(LongText()) && Block::Of(LongText())->capacity >= needed)
+        return LongText();
+    const int grown = length < MaxLength / 2 ? length + length / 2 : MaxLength;
+    return Writable(std::max(needed, grown));
+}
+
+CString::CString(const char* text, int length) : m_bytes{}
+{
+    if (text == nullptr || length <= 0)
+        return;
+    if (length <= MaxInline) {
+        std::memcpy(m_bytes, text, Size(length));
+        m_bytes[TagAt] = static_cast<char>(length);
+        return;
+    }
+    char* const to = Reallocate(nullptr, length)->Text();
+    std::memcpy(to, text, Size(length));
+    to[length] = '\0';
+    SetLong(to, length);
+}
+
+CString::CString(char c, int count) : m_bytes{}
+{
+    std::memset(Writable(std::max(count, 0)), c, Size(std::max(count, 0)));
+    SetLength(std::max(count, 0));
+}
+
+// ---- joining
+// ------------------------------------------------------------------------------------------------------
+
+CString& CString::Append(const char* text, int length)
+{
+    if (text == nullptr || length <= 0)
+        return *this;
+    const int old = GetLength();
+    const char* const own = GetString();
+    const bool isOwnPiece = !std::less<>()(text, own) && std::less<>()(text, own + old);
+    const std::ptrdiff_t offset = isOwnPiece ? text - own : 0;
+    char* const to = WritableForAppend(length);
+    std::memmove(to + old, isOwnPiece ? to + offset : text, Size(length));
+    SetLength(old + length);
+    return *this;
+}
+
+CString& CString::AppendChar(char c)
+{
+    const int old = GetLength();
+    WritableForAppend(1)[old] = c;
+    SetLength(old + 1);
+    return *this;
+}
+
+void CString::SetAt(int index, char c)
+{
+    if (index >= 0 && index < GetLength())
+        Writable(0)[index] = c;
+}
+
+// ---- comparing
+// ----------------------------------------------------------------------------------------------------
+
+int CString::Compare(const char* other) const noexcept
+{
+    return std::strcmp(GetString(), other == nullptr ? "" : other);
+}
+
+int CString::CompareNoCase(const char* other) const noexcept
+{
+    return RuntimeText::CompareNoCase(GetString(), other == nullptr ? "" : other);
+}
+
+int CString::Collate(const char* other) const noexcept
+{
+    return std::strcoll(GetString(), other == nullptr ? "" : other);
+}
+
+// ---- searching
+// ----------------------------------------------------------------------------------------------------
+
+int CString::Find(char c, int start) const noexcept
+{
+    start = std::max(start, 0);
+    const int length = GetLength();
+    if (start >= length)
+        return -1;
+    const char* const text = GetString();
+    const void* const found = std::memchr(text + start, c, Size(length - start));
+    return found == nullptr ? -1 : static_cast<int>(static_cast<const char*>(found) - text);
+}
+
+int CString::Find(const char* text, int start) const noexcept
+{
+    return TextSearch::Find(View(), ViewOf(text), start);
+}
+
+int CString::Find(const CString& text, int start) const noexcept
+{
+    return TextSearch::Find(View(), text.View(), start);
+}
+
+int CString::ReverseFind(char c) const noexcept
+{
+    return static_cast<int>(static_cast<std::ptrdiff_t>(View().rfind(c)));
+}
+
+int CString::FindOneOf(const char* set) const noexcept
+{
+    return static_cast<int>(static_cast<std::ptrdiff_t>(View().find_first_of(ViewOf(set))));
+}
+
+// ---- parts
+// --------------------------------------------------------------------------------------------------------
+
+CString CString::Left(int count) const
+{
+    return Mid(0, count);
+}
+
+CString CString::Right(int count) const
+{
+    const int length = GetLength();
+    count = std::clamp(count, 0, length);
+    return Mid(length - count, count);
+}
+
+CString CString::Mid(int first, int count) const
+{
+    const int length = GetLength();
+    first = std::clamp(first, 0, length);
+    count = std::clamp(count, 0, length - first);
+    return count == length ? *this : CString(GetString() + first, count);
+}
+
+CString CString::SpanIncluding(const char* set) const
+{
+    const auto end = View().find_first_not_of(ViewOf(set));
+    return end == std::string_view::npos ? *this : Left(static_cast<int>(end));
+}
+
+CString CString::SpanExcluding(const char* set) const
+{
+    const int end = FindOneOf(set);
+    return end < 0 ? *this : Left(end);
+}
+
+CString CString::Tokenize(const char* separators, int& start) const
+{
+    const std::string_view set = ViewOf(separators);
+    const std::string_view text = View();
+    const auto first =
+        start < 0 ? std::string_view::npos : text.find_first_not_of(set, static_cast<std::size_t>(start));
+    if (first == std::string_view::npos) {
+        start = -1;
+        return {};
+    }
+    const auto last = std::min(text.find_first_of(set, first), text.size());
+    start = static_cast<int>(std::min(last + 1, text.size()));
+    return Mid(static_cast<int>(first), static_cast<int>(last - first));
+}
+
+// ---- changing in place
+// ----------------------------------------------------------------------------------------------
+
+template <class Step>
+CString& CString::ChangeEach(Step step)
+{
+    const int length = GetLength();
+    char* const text = Writable(0);
+    std::transform(text, text + length, text, step);
+    return *this;
+}
+
+CString& CString::MakeLower()
+{
+    return ChangeEach(RuntimeText::Lowercase());
+}
+
+CString& CString::MakeUpper()
+{
+    return ChangeEach(RuntimeText::Uppercase());
+}
+
+CString& CString::MakeReverse()
+{
+    char* const text = Writable(0);
+    std::reverse(text, text + GetLength());
+    return *this;
+}
+
+CString& CString::TrimTo(int first, int last)
+{
+    if (first > 0 || last < GetLength())
+        *this = Mid(first, last - first);
+    return *this;
+}
+
+CString& CString::TrimLeft()
+{
+    const char* const found = std::find_if_not(begin(), end(), RuntimeText::IsSpace);
+    return TrimTo(static_cast<int>(found - begin()), GetLength());
+}
+
+CString& CString::TrimLeft(char c)
+{
+    const auto first = View().find_first_not_of(c);
+    return TrimTo(first == std::string_view::npos ? GetLength() : static_cast<int>(first), GetLength());
+}
+
+CString& CString::TrimLeft(const char* set)
+{
+    const auto first = View().find_first_not_of(ViewOf(set));
+    return TrimTo(first == std::string_view::npos ? GetLength() : static_cast<int>(first), GetLength());
+}
+
+CString& CString::TrimRight()
+{
+    int last = GetLength();
+    while (last > 0 && RuntimeText::IsSpace(GetString()[last - 1]))
+        --last;
+    return TrimTo(0, last);
+}
+
+CString& CString::TrimRight(char c)
+{
+    return TrimTo(0, static_cast<int>(View().find_last_not_of(c) + 1));
+}
+
+CString& CString::TrimRight(const char* set)
+{
+    return TrimTo(0, static_cast<int>(View().find_last_not_of(ViewOf(set)) + 1));
+}
+
+int CString::Insert(int index, char c)
+{
+    const int length = GetLength();
+    index = std::clamp(index, 0, length);
+    char* const text = WritableForAppend(1);
+    std::memmove(text + index + 1, text + index, Size(length - index));
+    text[index] = c;
+    SetLength(length + 1);
+    return length + 1;
+}
+
+int CString::Insert(int index, const char* text)
+{
+    const CString tail = Mid(std::max(index, 0));
+    const CString middle(text); // a copy, for the text may be a piece of this string
+    Truncate(std::max(index, 0));
+    Append(middle.GetString(), middle.GetLength());
+    *this += tail;
+    return GetLength();
+}
+
+int CString::Delete(int index, int count)
+{
+    const int length = GetLength();
+    index = std::clamp(index, 0, length);
+    count = std::clamp(count, 0, length - index);
+    if (count > 0) {
+        char* const text = Writable(0);
+        std::memmove(text + index, text + index + count, Size(length - index - count));
+        SetLength(length - count);
+    }
+    return length - count;
+}
+
+int CString::Remove(char c)
+{
+    if (Find(c) < 0)
+        return 0;
+    const int length = GetLength();
+    char* const text = Writable(0);
+    const int kept = static_cast<int>(std::remove(text, text + length, c) - text);
+    SetLength(kept);
+    return length - kept;
+}
+
+int CString::Replace(char from, char to)
+{
+    int replaced = 0;
+    if (from == to || Find(from) < 0)
+        return 0;
+    ChangeEach([&](char c) {
+        replaced += c == from;
+        return c == from ? to : c;
+    });
+    return replaced;
+}
+
+int CString::Replace(const char* from, const char* to)
+{
+    return Replace(CString(from), CString(to));
+}
+
+int CString::Replace(const CString& from, const CString& to)
+{
+    if (from.IsEmpty())
+        return 0;
+    CString result;
+    int replaced = 0;
+    int start = 0;
+    for (int at = Find(from); at >= 0; at = Find(from, start)) {
+        result.Append(GetString() + start, at - start);
+        result += to;
+        start = at + from.GetLength();
+        ++replaced;
+    }
+    if (replaced > 0) {
+        result.Append(GetString() + start, GetLength() - start);
+        Swap(result);
+    }
+    return replaced;
+}
+
+void CString::Truncate(int length)
+{
+    length = std::max(length, 0);
+    if (length >= GetLength())
+        return;
+    if (IsLong() && !IsUnique(LongText())) {
+        *this = Left(length);
+        return;
+    }
+    SetLength(length);
+}
+
+// ---- formatting
+// -------------------------------------------------------------------------------------------------------
+
+void CString::FormatV(const char* format, std::va_list arguments)
+{
+    std::va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    CString result;
+    if (length > 0) {
+        std::vsnprintf(result.GetBuffer(length), Size(length) + 1, format, arguments);
+        result.ReleaseBuffer(length);
+    }
+    Swap(result);
+}
+
+std::ostream& operator<<(std::ostream& out, const CString& text)
+{
+    return out << text.View();
+}
+
+// ---- the buffer
+// -------------------------------------------------------------------------------------------------------
+
+char* CString::GetBuffer(int minLength)
+{
+    return Writable(minLength);
+}
+
+char* CString::GetBufferSetLength(int length)
+{
+    length = std::max(length, 0);
+    const int old = GetLength();
+    char* const text = Writable(length);
+    if (length > old)
+        std::memset(text + old, 0, Size(length - old));
+    SetLength(length);
+    return text;
+}
+
+void CString::ReleaseBuffer(int newLength)
+{
+    char* const text = IsLong() ? LongText() : m_bytes;
+    const int capacity = GetAllocLength();
+    if (newLength < 0)
+        newLength = static_cast<int>(strnlen(text, Size(capacity)));
+    SetLength(std::min(newLength, capacity));
+}
+
+void CString::Preallocate(int length)
+{
+    Writable(length);
+}
+
+int CString::GetAllocLength() const noexcept
+{
+    return IsLong() ? Block::Of(LongText())->capacity : MaxInline;
+}
+
+void CString::FreeExtra()
+{
+    if (IsLong() && GetAllocLength() > GetLength() && IsUnique(LongText()))
+        *this = CString(GetString(), GetLength());
+}

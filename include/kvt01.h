@@ -1,0 +1,9 @@
+// Everything of the library at once.
+#pragma once
+
+#include "BasicTypes.h"
+#include "CString.h"
+#include "LocaleUtils.h"
+#include "NumberTextConv.h"
+#include "StringUtils.h"
+#include "TextArray.h"
