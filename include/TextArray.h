@@ -146,6 +146,7 @@ public:
 
 private:
     static const CString& NoString();
+    std::vector<CString>::iterator Iterator(std::size_t index);
 
     std::vector<CString> m_strings;
 };
