@@ -53,7 +53,8 @@ public:
     CString RemoveTail() { return Take(IsEmpty() ? m_items.end() : std::prev(m_items.end())); }
     void RemoveAll() noexcept { m_items.clear(); }
 
-    // ---- walking: GetNext and GetPrev answer with the element at the position and move on, to null at the end
+    // ---- walking: GetNext and GetPrev answer with the element at the position and move on, to null at the
+    // end
     POSITION GetHeadPosition() const { return PositionOf(m_items.begin()); }
     POSITION GetTailPosition() const { return IsEmpty() ? POSITION() : POSITION(std::prev(m_items.end())); }
     CString GetNext(POSITION& at) const

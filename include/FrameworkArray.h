@@ -22,7 +22,10 @@ public:
     bool IsEmpty() const noexcept { return m_items.empty(); }
     // New elements have the default value; a size below 0 counts as 0. The second argument is a hint that
     // nothing depends on.
-    void SetSize(Index size, Index = -1) { m_items.resize(static_cast<std::size_t>(std::max<Index>(size, 0))); }
+    void SetSize(Index size, Index = -1)
+    {
+        m_items.resize(static_cast<std::size_t>(std::max<Index>(size, 0)));
+    }
     void RemoveAll() noexcept { m_items.clear(); }
     void FreeExtra() { m_items.shrink_to_fit(); }
 
@@ -49,7 +52,10 @@ public:
     auto end() noexcept { return m_items.end(); }
     auto begin() const noexcept { return m_items.begin(); }
     auto end() const noexcept { return m_items.end(); }
-    friend bool operator==(const FrameworkArray& a, const FrameworkArray& b) { return a.m_items == b.m_items; }
+    friend bool operator==(const FrameworkArray& a, const FrameworkArray& b)
+    {
+        return a.m_items == b.m_items;
+    }
 
     // ---- adding and removing
     Index Add(const T& value) // the index of the new element

@@ -73,11 +73,11 @@ int CompareBaseNames(std::string_view a, std::string_view b, bool caseSensitive)
 // ---------------------------------------------------------------------------------------------------------
 
 constexpr unsigned char NumberCodes = 9;
-constexpr unsigned char WideNumber = 8;            // added to the first code: the bits of a double follow
-constexpr std::ptrdiff_t MaxPlainDigits = 14;      // their values are below 2^48
-constexpr double MaxScaledInteger = 0x1p48;        // a hundred times a smaller one takes seven bytes
+constexpr unsigned char WideNumber = 8;                // added to the first code: the bits of a double follow
+constexpr std::ptrdiff_t MaxPlainDigits = 14;          // their values are below 2^48
+constexpr double MaxScaledInteger = 0x1p48;            // a hundred times a smaller one takes seven bytes
 constexpr std::uint64_t MaxScaledDecimal = 1ull << 32; // up to here the sums of decimals are exact enough
-constexpr std::ptrdiff_t MaxLength = 127;          // of a number whose length is written
+constexpr std::ptrdiff_t MaxLength = 127;              // of a number whose length is written
 
 constexpr bool IsDigitAtLoad(int c)
 {

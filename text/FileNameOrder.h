@@ -66,11 +66,11 @@ private:
     Key WriteWide(const char* first, const char*& at, const char* end, unsigned char* out) const;
     Key WriteLength(std::ptrdiff_t length, const char* at, const char* end, unsigned char* out) const;
 
-    const unsigned char* m_codes;     // of a character in a base name; 0 for a digit
-    unsigned char m_numbers;          // the first of the nine codes for numbers
-    unsigned char m_extensions[256];  // what is compared of the bytes of an extension
-    char m_decimal;                   // continues a number, when there is one
+    const unsigned char* m_codes;    // of a character in a base name; 0 for a digit
+    unsigned char m_numbers;         // the first of the nine codes for numbers
+    unsigned char m_extensions[256]; // what is compared of the bytes of an extension
+    char m_decimal;                  // continues a number, when there is one
     bool m_hasDecimal;
-    bool m_isPoint;                   // the decimal separator is a point, and numbers are read with it
-    bool m_isUsable;                  // the tables and separators are such that the above holds
+    bool m_isPoint;  // the decimal separator is a point, and numbers are read with it
+    bool m_isUsable; // the tables and separators are such that the above holds
 };

@@ -1,5 +1,5 @@
-// Finds things by hash: a table of positions with open addressing. The things themselves, and what makes two of
-// them the same, stay with the caller. Positions are below 2^40 - 1.
+// Finds things by hash: a table of positions with open addressing. The things themselves, and what makes two
+// of them the same, stay with the caller. Positions are below 2^40 - 1.
 #pragma once
 
 #include <bit>
@@ -15,8 +15,7 @@ public:
     static constexpr std::size_t None = static_cast<std::size_t>(-1);
 
     // Room for so many positions; more must not be added.
-    explicit HashIndex(std::size_t count)
-        : m_slots(std::bit_ceil(2 * count + 1)), m_mask(m_slots.size() - 1)
+    explicit HashIndex(std::size_t count) : m_slots(std::bit_ceil(2 * count + 1)), m_mask(m_slots.size() - 1)
     {
     }
 

@@ -85,7 +85,9 @@ void KeySort::SortBlocks(std::size_t first, std::size_t last, int shift)
         return;
     }
     std::array<std::size_t, 256> ends{};
-    const auto place = [&](std::size_t i) -> std::size_t& { return ends[m_entries[i].block >> shift & 0xFF]; };
+    const auto place = [&](std::size_t i) -> std::size_t& {
+        return ends[m_entries[i].block >> shift & 0xFF];
+    };
     for (std::size_t i = first; i < last; ++i)
         ++place(i);
     if (place(first) < last - first) {

@@ -1,5 +1,5 @@
-// Sorts by keys that compare as unsigned bytes, after folding. A shorter key counts as filled up with zeros, so
-// no two different keys may differ in zeros at the end alone.
+// Sorts by keys that compare as unsigned bytes, after folding. A shorter key counts as filled up with zeros,
+// so no two different keys may differ in zeros at the end alone.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// TextArray's operations on whole lists: what is removed, repeated, or in another list as well. All of them go
-// through an index by hash, so that their time grows with the number of elements and not with its square.
+// TextArray's operations on whole lists: what is removed, repeated, or in another list as well. All of them
+// go through an index by hash, so that their time grows with the number of elements and not with its square.
 #include "TextArray.h"
 
 #include <algorithm>
@@ -180,7 +180,8 @@ bool TextArray::RemoveNonDuplicates(bool caseSensitive, Content content)
 
 bool TextArray::RemoveBlanks()
 {
-    return RemoveWhere(m_strings, [&](std::size_t i) { return StringUtils::IsEffectivelyEmpty(m_strings[i]); });
+    return RemoveWhere(m_strings,
+                       [&](std::size_t i) { return StringUtils::IsEffectivelyEmpty(m_strings[i]); });
 }
 
 bool TextArray::RemoveMatches(const TextArray& list, bool caseSensitive)
@@ -206,8 +207,7 @@ bool TextArray::RemoveNonMatches(const TextArray& list, bool caseSensitive)
     ItemIndex index(list.m_strings, caseSensitive, ContentText);
     for (std::size_t i = 0; i < list.GetCount(); ++i)
         index.FindOrAdd(i);
-    return RemoveWhere(m_strings,
-                       [&](std::size_t i) { return index.Find(m_strings[i]) == HashIndex::None; });
+    return RemoveWhere(m_strings, [&](std::size_t i) { return index.Find(m_strings[i]) == HashIndex::None; });
 }
 
 bool TextArray::RemoveAllStartWith(const TextArray& prefixes, bool caseSensitive)
