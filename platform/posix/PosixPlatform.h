@@ -29,6 +29,7 @@ inline constexpr DWORD ERROR_NO_MORE_FILES = 18;
 inline constexpr DWORD ERROR_SHARING_VIOLATION = 32;
 inline constexpr DWORD ERROR_FILE_EXISTS = 80;
 inline constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+inline constexpr DWORD ERROR_BUFFER_OVERFLOW = 111;
 inline constexpr DWORD ERROR_DISK_FULL = 112;
 inline constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
 inline constexpr DWORD ERROR_INVALID_NAME = 123;
@@ -49,38 +50,4 @@ DWORD FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD langu
 // -------------------------------------------------------------------
 int _stricmp(const char* a, const char* b) noexcept;
 
-// ---- files
-// -----------------------------------------------------------------------------------------------------
-union LARGE_INTEGER {
-    int64 QuadPart;
-};
-
-inline constexpr DWORD GENERIC_READ = 0x80000000;
-inline constexpr DWORD GENERIC_WRITE = 0x40000000;
-inline constexpr DWORD FILE_SHARE_READ = 1;
-inline constexpr DWORD FILE_SHARE_WRITE = 2;
-inline constexpr DWORD FILE_SHARE_DELETE = 4;
-inline constexpr DWORD CREATE_NEW = 1;
-inline constexpr DWORD CREATE_ALWAYS = 2;
-inline constexpr DWORD OPEN_EXISTING = 3;
-inline constexpr DWORD OPEN_ALWAYS = 4;
-inline constexpr DWORD TRUNCATE_EXISTING = 5;
-inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
-inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;
-inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
-inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
-inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
-inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
-inline constexpr DWORD FILE_BEGIN = 0;
-inline constexpr DWORD FILE_CURRENT = 1;
-inline constexpr DWORD FILE_END = 2;
-
-HANDLE CreateFileA(const char* path, DWORD access, DWORD share, void* security, DWORD disposition,
-                   DWORD attributes, HANDLE model) noexcept;
-BOOL CloseHandle(HANDLE handle) noexcept;
-BOOL ReadFile(HANDLE handle, void* buffer, DWORD count, DWORD* done, void* overlapped) noexcept;
-BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void* overlapped) noexcept;
-BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD method) noexcept;
-BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size) noexcept;
-BOOL SetEndOfFile(HANDLE handle) noexcept;
-BOOL FlushFileBuffers(HANDLE handle) noexcept;
+#include "platform/posix/PosixFiles.h"
