@@ -2,7 +2,10 @@
 #pragma once
 
 #include "BasicTypes.h"
+#include "COleDateTime.h"
 #include "CString.h"
+#include "DateTime.h"
+#include "FileTime.h"
 #include "LocaleUtils.h"
 #include "NumberTextConv.h"
 #include "StringUtils.h"

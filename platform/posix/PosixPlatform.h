@@ -51,3 +51,4 @@ DWORD FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD langu
 int _stricmp(const char* a, const char* b) noexcept;
 
 #include "platform/posix/PosixFiles.h"
+#include "platform/posix/PosixTime.h"
