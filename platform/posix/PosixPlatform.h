@@ -84,3 +84,6 @@ BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* posi
 BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size) noexcept;
 BOOL SetEndOfFile(HANDLE handle) noexcept;
 BOOL FlushFileBuffers(HANDLE handle) noexcept;
+
+#include "platform/posix/PosixLocale.h"
+#include "platform/posix/PosixRegistry.h"
