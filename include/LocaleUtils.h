@@ -1,10 +1,10 @@
 // LocaleUtils: the user's regional settings, one question each.
 //
-// Every call asks the platform anew, so that a change of the settings counts at the next call. Five separators
-// are the exception: they are read once and kept. A text is in the process code page; the platform's failure
-// gives an empty text or 0 and, for texts, a line in the application log. Nothing throws but std::bad_alloc.
-// Getters cost well under a microsecond, those of the five separators a few nanoseconds, after the first
-// question about a locale, which may take some milliseconds.
+// Every call asks the platform anew, so that a change of the settings counts at the next call. Five
+// separators are the exception: they are read once and kept. A text is in the process code page; the
+// platform's failure gives an empty text or 0 and, for texts, a line in the application log. Nothing throws
+// but std::bad_alloc. Getters cost well under a microsecond, those of the five separators a few nanoseconds,
+// after the first question about a locale, which may take some milliseconds.
 //
 // Weekdays count 1 = Sunday .. 7 = Saturday, months 1 .. 12, and 13 for calendars that have one more.
 //

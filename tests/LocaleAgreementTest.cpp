@@ -3,24 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
+#include <iostream>
 #include <string>
 #include <vector>
 
 #include "platform/posix/IcuLoader.h"
 #include "platform/posix/LocaleAnswers.h"
+#include "support/Table.h"
 
 namespace {
-
-std::vector<std::string> Cells(const std::string& line)
-{
-    std::vector<std::string> cells;
-    std::istringstream stream(line + '\t');
-    for (std::string cell; std::getline(stream, cell, '\t');)
-        cells.push_back(cell);
-    return cells;
-}
 
 // From the published table of Windows-1252: the characters of the bytes 80 to 9F; 0 where there is none.
 constexpr char32_t Bytes80To9F[] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
@@ -52,35 +43,74 @@ std::string InCodePage(const std::string& utf8)
     return text;
 }
 
+// Where the platform's data and ICU's differ.
+struct Exception {
+    std::string locale, item;
+    const char* ours; // an answer from a new version of the data that is neither is a failure
+    const char* reason;
+};
+const Exception Exceptions[] = {
+    {"tr_TR", "LOCALE_INEGCURR", "1", "ICU's accounting form has no parentheses, so a minus goes in front"},
+};
+
 struct Row {
     std::string locale, item, expected;
     LCTYPE number;
 };
 
-std::vector<Row> Recorded()
+Row RowOf(const std::vector<std::string>& cells)
 {
-    std::ifstream file(KVT01_TEST_DATA "/locale-answers.tsv");
-    std::vector<Row> rows;
-    std::string line;
-    for (std::getline(file, line); std::getline(file, line);) {
-        const std::vector<std::string> cells = Cells(line);
-        const bool isText = cells[1].starts_with("LOCALE_S");
-        rows.push_back({cells[0], cells[1], isText ? InCodePage(cells[4]) : cells[3],
-                        static_cast<LCTYPE>(std::stoul(cells[2]))});
-    }
-    return rows;
+    const bool isText = cells[1].starts_with("LOCALE_S");
+    return {cells[0], cells[1], isText ? InCodePage(cells[4]) : cells[3],
+            static_cast<LCTYPE>(std::stoul(cells[2]))};
 }
 
 TEST(LocaleAgreement, WithTheOriginalPlatform)
 {
     std::string known;
     LocaleAnswers answers;
-    for (const Row& row : Recorded()) {
+    int compared = 0, equal = 0;
+    std::vector<const Exception*> used;
+    for (const auto& cells : Table::Read("locale-answers.tsv")) {
+        const Row row = RowOf(cells);
         if (row.locale != known)
             answers = AnswersForLocale(row.locale + ".UTF-8", IcuLoader::Get);
         known = row.locale;
-        EXPECT_EQ(answers[row.number].text, row.expected) << row.locale << ' ' << row.item;
+        ++compared;
+        const std::string& ours = answers[row.number].text;
+        if (ours == row.expected) {
+            ++equal;
+            continue;
+        }
+        const auto exception =
+            std::find_if(std::begin(Exceptions), std::end(Exceptions), [&](const Exception& candidate) {
+                return candidate.locale == row.locale && candidate.item == row.item && candidate.ours == ours;
+            });
+        if (exception == std::end(Exceptions))
+            ADD_FAILURE() << row.locale << ' ' << row.item << ": '" << ours << "' instead of '"
+                          << row.expected << "'";
+        else
+            used.push_back(exception);
     }
+    std::cout << "locale agreement: " << compared << " items compared, " << equal << " equal, " << used.size()
+              << " excepted\n";
+    for (const Exception* exception : used)
+        std::cout << "  " << exception->locale << ' ' << exception->item << ": " << exception->reason << '\n';
+    EXPECT_GT(compared, 2900);
+}
+
+// What is compiled in is what the module says.
+TEST(LocaleAgreement, OfTheBuiltInEnglishWithTheModule)
+{
+    static const LocaleAnswers builtIn = AnswersForLocale("C", IcuLoader::Get);
+    const auto compare = [](void* told, DWORD item, const char* text) {
+        ++*static_cast<int*>(told);
+        EXPECT_EQ(builtIn[item].text, text) << item;
+    };
+    int told = 0;
+    ASSERT_NE(IcuLoader::Get(), nullptr);
+    EXPECT_TRUE(IcuLoader::Get()->describeLocale("en_US", compare, &told));
+    EXPECT_GT(told, 50);
 }
 
 } // namespace
