@@ -29,13 +29,15 @@ public:
     // Read only.
     bool IsUnchanged() const
     {
+        if (environ == nullptr || m_entries.empty())
+            return false;
         for (std::size_t i = 0; i < m_entries.size(); ++i)
             if (environ[i] != m_entries[i])
                 return false;
         for (const Variable& variable : m_variables)
             if (variable.current != nullptr && variable.value != variable.current)
                 return false;
-        return !m_entries.empty();
+        return true;
     }
 
     // Whether a value in use is another one than before.
@@ -50,8 +52,6 @@ public:
             Find(*entry);
         }
         m_entries.push_back(nullptr);
-        if (environ == nullptr)
-            m_entries.clear();
         for (Variable& variable : m_variables) {
             const char* const value = variable.current == nullptr ? "" : variable.current;
             changed |= variable.value != value;
