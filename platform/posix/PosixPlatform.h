@@ -52,3 +52,5 @@ int _stricmp(const char* a, const char* b) noexcept;
 
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixTime.h"
+#include "platform/posix/PosixLocale.h"
+#include "platform/posix/PosixRegistry.h"
