@@ -24,7 +24,7 @@ class KVT01_API TextArray {
 public:
     // What the strings hold. Any other value is accepted: then nothing comes before anything, and nothing is
     // equal.
-    enum Content {
+    enum Content : int {
         ContentText = 0,  // plain text
         ContentPaths = 1, // full paths: by folder, then by file name
         ContentFiles = 2  // paths of which only the file name counts
@@ -146,6 +146,7 @@ public:
 
 private:
     static const CString& NoString();
+    std::vector<CString>::iterator Iterator(std::size_t index);
 
     std::vector<CString> m_strings;
 };
