@@ -5,6 +5,7 @@
 #include "CByteArray.h"
 #include "COleDateTime.h"
 #include "CPI.h"
+#include "CFileFind.h"
 #include "CString.h"
 #include "CStringArray.h"
 #include "CStringList.h"
