@@ -1,118 +1,110 @@
-// What is done to files by their names.
+// Names of files: whether they are there, and names that are made.
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <new>
+#include <string>
 #include <unistd.h>
 
-#include <atomic>
-#include <new>
-
+#include "platform/posix/Failures.h"
+#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/FileFacts.h"
 #include "platform/posix/PosixErrors.h"
-#include "platform/posix/ShareLocks.h"
-#include "platform/posix/SystemPath.h"
 
 namespace {
 
-BOOL Answer(DWORD error)
+bool IsSeparator(char c) noexcept
 {
-    if (error != ERROR_SUCCESS)
-        SetLastError(error);
-    return error == ERROR_SUCCESS ? TRUE : FALSE;
+    return c == '\\' || c == '/';
 }
 
-// Runs a step that answers with an error, for callers that must not throw.
-template <class Step>
-BOOL Guarded(Step step) noexcept
-try {
-    return Answer(step());
-} catch (const std::bad_alloc&) {
-    return Answer(ERROR_NOT_ENOUGH_MEMORY);
-}
-
-DWORD ErrorOf(const std::string& path, int result)
-{
-    return result == 0 ? ERROR_SUCCESS : ErrorForPath(path, errno);
-}
-
-DWORD Rename(const std::string& from, const std::string& to, bool replaces)
-{
-    const auto source = FactsOf(from);
-    if (!source)
-        return ErrorForPath(from, errno);
-    if (ShareLocks::IsDeletingDenied(from))
-        return ERROR_SHARING_VIOLATION;
-    const auto target = FactsOf(to);
-    if (target && !replaces)
-        return ERROR_ALREADY_EXISTS;
-    if (target && (target->IsFolder() || target->IsReadOnly()))
-        return ERROR_ACCESS_DENIED;
-    if (target && ShareLocks::IsDeletingDenied(to))
-        return ERROR_SHARING_VIOLATION;
-    const int result = replaces ? rename(from.c_str(), to.c_str())
-                                : renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
-    if (result != 0 && !replaces && errno == EINVAL) // a file system that cannot refuse by itself
-        return ErrorOf(to, rename(from.c_str(), to.c_str()));
-    return ErrorOf(to, result);
-}
-
-// The text into the buffer by the rule of the names' answers.
-DWORD PutAnswer(const std::string& text, char* buffer, DWORD size)
+// A text into a buffer, by the rule of all the answers here.
+DWORD PutAnswer(std::string_view text, char* buffer, DWORD size) noexcept
 {
     const auto length = static_cast<DWORD>(text.size());
     if (length >= size || buffer == nullptr)
         return length + 1;
-    std::memcpy(buffer, text.c_str(), text.size() + 1);
+    std::memmove(buffer, text.data(), length); // the buffer may be where the text came from
+    buffer[length] = '\0';
     return length;
 }
 
 DWORD NameItself(const char* path, char* buffer, DWORD size) noexcept
-try {
-    const std::string system = SystemPath(path);
-    if (!system.empty() && FactsOf(system))
-        return PutAnswer(path, buffer, size);
-    SetLastError(system.empty() ? ERROR_PATH_NOT_FOUND : ErrorForPath(system, errno));
-    return 0;
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return 0;
+{
+    const SystemPath name(path);
+    const DWORD error = !name.IsUsable() ? ErrorOfUnusable(name)
+                        : FactsOf(name)  ? ERROR_SUCCESS
+                                         : ErrorForPath(name, errno);
+    return Answer(error) ? PutAnswer(path, buffer, size) : 0;
 }
 
-// Another number at each call, so that processes and threads seldom try the same names.
-UINT FirstUnique()
+// ---- full names
+
+// Appends the parts of a path, each behind a `/`; `.` and `..` take effect, the end may become a separator.
+void AppendParts(std::string& full, std::string_view path)
 {
-    static std::atomic<UINT> calls = 0;
+    while (!path.empty()) {
+        const std::string_view part = path.substr(0, path.find('/'));
+        path.remove_prefix(std::min(path.size(), part.size() + 1));
+        if (part == "..")
+            full.resize(std::min(full.rfind('/'), full.size()));
+        else if (!part.empty() && part != ".")
+            full.append(1, '/').append(part);
+    }
+}
+
+std::string FullPath(const SystemPath& path)
+{
+    std::string full;
+    if (!path.View().starts_with('/')) {
+        char folder[4096];
+        AppendParts(full, getcwd(folder, sizeof folder) != nullptr ? folder : "");
+    }
+    AppendParts(full, path.View());
+    if (full.empty() || path.EndsInSeparator())
+        full += '/';
+    return full;
+}
+
+// ---- temporary files
+
+constexpr UINT LargestNumber = 0xFFFF;
+
+// Another number at each call, so that processes and threads seldom try the same names.
+UINT FirstNumber() noexcept
+{
+    static constinit std::atomic<UINT> calls = 0;
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
     return (static_cast<UINT>(now.tv_nsec >> 10) ^ static_cast<UINT>(getpid()) * 40503u) + calls++;
 }
 
-constexpr UINT UniqueMask = 0xFFFF;
-
-std::string TempName(const std::string& front, UINT unique)
+void PutTempName(char* path, std::string_view front, UINT number) noexcept
 {
-    char end[16];
-    std::snprintf(end, sizeof end, "%X.tmp", unique);
-    return front + end;
+    std::snprintf(path, MAX_PATH, "%.*s%X.tmp", static_cast<int>(front.size()), front.data(), number);
 }
 
-// Makes the file with the first free number; 0 with the error set if none could be made.
-UINT MakeTempFile(const std::string& front)
+// Makes the file with the first free number and says its name; 0 with the error set if none could be made.
+UINT MakeTempFile(std::string_view front, char* path) noexcept
 {
-    const UINT first = FirstUnique();
-    for (UINT step = 0; step < UniqueMask; ++step) {
-        const UINT unique = (first + step) % UniqueMask + 1;
-        const int file = open(SystemPath(TempName(front, unique).c_str()).c_str(),
-                              O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
-        if (file >= 0) {
-            close(file);
-            return unique;
+    const UINT first = FirstNumber();
+    for (UINT step = 0; step < LargestNumber; ++step) {
+        const UINT number = (first + step) % LargestNumber + 1;
+        char candidate[MAX_PATH];
+        PutTempName(candidate, front, number);
+        const SystemPath name(candidate);
+        const FileDescriptor file(open(name.Text(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0600));
+        if (file.IsOpen()) {
+            std::strcpy(path, candidate);
+            return number;
         }
         if (errno != EEXIST) {
-            SetLastError(ErrorForErrno(errno));
+            SetLastError(ErrorForPath(name, errno));
             return 0;
         }
     }
@@ -120,96 +112,50 @@ UINT MakeTempFile(const std::string& front)
     return 0;
 }
 
+DWORD CheckTempFolder(const SystemPath& folder, std::string_view prefix) noexcept
+{
+    constexpr std::size_t longestName = 14; // with the separator before it and the NUL
+    const auto facts = folder.IsUsable() ? FactsOf(folder) : std::nullopt;
+    if (!facts || !facts->IsFolder())
+        return ERROR_DIRECTORY;
+    if (folder.View().size() > MAX_PATH - longestName)
+        return ERROR_BUFFER_OVERFLOW;
+    // A separator would lead out of the folder.
+    return std::any_of(prefix.begin(), prefix.end(), IsSeparator) ? ERROR_INVALID_NAME : ERROR_SUCCESS;
+}
+
 } // namespace
 
-BOOL DeleteFileA(const char* path) noexcept
-{
-    return Guarded([=]() -> DWORD {
-        const std::string system = SystemPath(path);
-        const auto facts = FactsOf(system);
-        if (!facts)
-            return ErrorForPath(system, errno);
-        if (facts->IsFolder() || facts->IsReadOnly())
-            return ERROR_ACCESS_DENIED;
-        return ShareLocks::IsDeletingDenied(system) ? ERROR_SHARING_VIOLATION
-                                                    : ErrorOf(system, unlink(system.c_str()));
-    });
-}
-
-BOOL MoveFileA(const char* from, const char* to) noexcept
-{
-    return MoveFileExA(from, to, 0);
-}
-
-BOOL MoveFileExA(const char* from, const char* to, DWORD flags) noexcept
-{
-    return Guarded(
-        [=] { return Rename(SystemPath(from), SystemPath(to), (flags & MOVEFILE_REPLACE_EXISTING) != 0); });
-}
-
-DWORD GetFileAttributesA(const char* path) noexcept
-try {
-    const std::string system = SystemPath(path);
-    if (const auto facts = FactsOf(system))
-        return facts->attributes;
-    SetLastError(ErrorForPath(system, errno));
-    return INVALID_FILE_ATTRIBUTES;
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return INVALID_FILE_ATTRIBUTES;
-}
-
-BOOL SetFileAttributesA(const char* path, DWORD attributes) noexcept
-{
-    return Guarded([=]() -> DWORD {
-        constexpr mode_t EverybodysWrite = S_IWUSR | S_IWGRP | S_IWOTH;
-        const std::string system = SystemPath(path);
-        struct stat facts = {};
-        if (stat(system.c_str(), &facts) != 0)
-            return ErrorForPath(system, errno);
-        const bool isReadOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
-        const mode_t mode = isReadOnly ? facts.st_mode & ~EverybodysWrite : facts.st_mode | S_IWUSR;
-        return S_ISDIR(facts.st_mode) ? ERROR_SUCCESS : ErrorOf(system, chmod(system.c_str(), mode & 07777));
-    });
-}
-
-BOOL CreateDirectoryA(const char* path, void*) noexcept
-{
-    return Guarded([=]() -> DWORD {
-        const std::string system = SystemPath(path);
-        const DWORD error = ErrorOf(system, mkdir(system.c_str(), 0777));
-        return error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : error;
-    });
-}
-
-BOOL RemoveDirectoryA(const char* path) noexcept
-{
-    return Guarded([=]() -> DWORD {
-        const std::string system = SystemPath(path);
-        const auto facts = FactsOf(system);
-        return facts && !facts->IsFolder() ? ERROR_DIRECTORY : ErrorOf(system, rmdir(system.c_str()));
-    });
-}
-
 int _access(const char* path, int mode) noexcept
-try {
-    constexpr int Readable = 4;
-    constexpr int Writable = 2;
-    const std::string system = SystemPath(path);
-    const auto facts = FactsOf(system);
-    if (!facts || (mode & ~(Readable | Writable)) != 0) {
-        errno = facts ? EINVAL : ENOENT;
-        return -1;
-    }
-    const bool isRefused = (mode & Writable) != 0 && facts->IsReadOnly();
-    const int wanted = ((mode & Readable) != 0 ? R_OK : 0) | ((mode & Writable) != 0 ? W_OK : 0);
-    if (!isRefused && (wanted == 0 || access(system.c_str(), wanted) == 0))
+{
+    constexpr int writable = 2;
+    constexpr int readable = 4;
+    const SystemPath name(path);
+    const auto facts = name.IsUsable() ? FactsOf(name) : std::nullopt;
+    const int wanted = ((mode & readable) != 0 ? R_OK : 0) | ((mode & writable) != 0 ? W_OK : 0);
+    if (path == nullptr || (mode & ~(readable | writable)) != 0)
+        errno = EINVAL;
+    else if (!facts)
+        errno = name.IsUsable() && errno == EACCES ? EACCES : ENOENT;
+    else if ((mode & writable) != 0 && facts->IsReadOnly() && !facts->IsFolder())
+        errno = EACCES;
+    else if (wanted == 0 || faccessat(AT_FDCWD, name.Text(), wanted, AT_EACCESS) == 0)
         return 0;
-    errno = EACCES;
     return -1;
-} catch (const std::bad_alloc&) {
-    errno = ENOMEM;
-    return -1;
+}
+
+DWORD GetTempPathA(DWORD size, char* buffer) noexcept
+{
+    const char* const variable = std::getenv("TMPDIR");
+    const std::string_view folder = variable == nullptr || *variable == '\0' ? "/tmp" : variable;
+    const bool isClosed = IsSeparator(folder.back());
+    const auto length = static_cast<DWORD>(folder.size() + (isClosed ? 0 : 1));
+    if (length >= size)
+        return length + 1;
+    PutAnswer(folder, buffer, size);
+    if (!isClosed)
+        std::strcpy(buffer + folder.size(), "\\");
+    return length;
 }
 
 DWORD GetLongPathNameA(const char* path, char* longPath, DWORD size) noexcept
@@ -222,30 +168,36 @@ DWORD GetShortPathNameA(const char* path, char* shortPath, DWORD size) noexcept
     return NameItself(path, shortPath, size);
 }
 
-UINT GetTempFileNameA(const char* folder, const char* prefix, UINT unique, char* path) noexcept
+DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** lastName) noexcept
 try {
-    constexpr std::size_t LongestName = 14; // with the separator in front and the NUL
-    constexpr std::size_t PrefixUsed = 3;
-    std::string front(folder == nullptr ? "" : folder);
-    const std::string used = std::string(prefix == nullptr ? "" : prefix).substr(0, PrefixUsed);
-    const auto facts = FactsOf(SystemPath(folder));
-    const DWORD error = !facts || !facts->IsFolder()            ? ERROR_DIRECTORY
-                        : front.size() > MAX_PATH - LongestName ? ERROR_BUFFER_OVERFLOW
-                        : used.find_first_of("\\/") != std::string::npos
-                            ? ERROR_INVALID_NAME // it would leave the folder
-                            : ERROR_SUCCESS;
-    if (error != ERROR_SUCCESS) {
-        SetLastError(error);
+    const SystemPath name(path);
+    if (!Answer(name.IsUsable() ? ERROR_SUCCESS : ErrorOfUnusable(name)))
         return 0;
+    const std::string full = FullPath(name);
+    const DWORD length = PutAnswer(full, buffer, size);
+    if (length < size && lastName != nullptr) {
+        char* const last = buffer + full.rfind('/') + 1;
+        *lastName = *last == '\0' ? nullptr : last;
     }
-    if (front.back() != '\\' && front.back() != '/')
-        front += '\\';
-    const UINT given = unique & UniqueMask;
-    const UINT number = given != 0 ? given : MakeTempFile(front + used);
-    if (number != 0)
-        std::strcpy(path, TempName(front + used, number).c_str());
-    return number;
+    return length;
 } catch (const std::bad_alloc&) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
     return 0;
+}
+
+UINT GetTempFileNameA(const char* folder, const char* prefix, UINT unique, char* path) noexcept
+{
+    const SystemPath name(folder);
+    const std::string_view prefixUsed = std::string_view(prefix == nullptr ? "" : prefix).substr(0, 3);
+    if (!Answer(CheckTempFolder(name, prefixUsed)))
+        return 0;
+    char front[MAX_PATH];
+    const char* const separator = name.EndsInSeparator() ? "" : "\\";
+    std::snprintf(front, sizeof front, "%s%s%.*s", folder, separator, static_cast<int>(prefixUsed.size()),
+                  prefixUsed.data());
+    const UINT number = unique & LargestNumber;
+    if (number == 0)
+        return MakeTempFile(front, path);
+    PutTempName(path, front, number);
+    return number;
 }

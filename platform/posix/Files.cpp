@@ -1,288 +1,372 @@
-// Opening, reading and writing files.
+// Opening files, and what can be done with an open one.
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <memory>
-#include <new>
+#include <limits>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/posix/Failures.h"
+#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/FileFacts.h"
+#include "platform/posix/OpenFiles.h"
 #include "platform/posix/PosixErrors.h"
+#include "platform/posix/PosixPlatform.h"
 #include "platform/posix/ShareLocks.h"
 #include "platform/posix/SystemPath.h"
 
 namespace {
 
-// A descriptor that is closed with its owner.
-class Descriptor {
-public:
-    explicit Descriptor(int number = -1) : m_number(number) {}
-    Descriptor(Descriptor&& other) noexcept : m_number(other.m_number) { other.m_number = -1; }
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(m_number, other.m_number);
-        return *this;
-    }
-    ~Descriptor()
-    {
-        if (m_number >= 0)
-            close(m_number);
-    }
-    int Number() const { return m_number; }
-    explicit operator bool() const { return m_number >= 0; }
+// ---- opening
 
-private:
-    int m_number;
-};
-
-// What a file's HANDLE points to.
-struct OpenFile {
-    Descriptor descriptor;
+struct OpenRequest {
     DWORD access;
+    DWORD share;
+    DWORD disposition;
+    DWORD attributes;
+
+    bool Truncates() const noexcept
+    {
+        return disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING;
+    }
+    bool Reads() const noexcept { return (access & GENERIC_READ) != 0; }
+    bool Writes() const noexcept { return (access & GENERIC_WRITE) != 0; }
+    bool Changes() const noexcept { return Writes() || Truncates(); }
+    bool MakesMissing() const noexcept { return disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS; }
+    bool OpensFolder() const noexcept
+    {
+        return disposition == OPEN_EXISTING && (attributes & FILE_FLAG_BACKUP_SEMANTICS) != 0;
+    }
+    bool IsValid() const noexcept
+    {
+        return disposition >= CREATE_NEW && disposition <= TRUNCATE_EXISTING &&
+               (disposition != TRUNCATE_EXISTING || Writes());
+    }
 };
 
-HANDLE Refuse(DWORD error)
+struct OpenedFile {
+    FileDescriptor descriptor;
+    struct stat state;
+    bool existed = true;
+};
+
+// O_NONBLOCK, so that opening a pipe waits for nobody; it means nothing for a regular file.
+FileDescriptor OpenPath(const SystemPath& path, int flags, mode_t mode = 0) noexcept
 {
-    SetLastError(error);
-    return INVALID_HANDLE_VALUE;
+    return FileDescriptor(open(path.Text(), flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, mode));
 }
 
-BOOL Fail(DWORD error)
+// A file opened for writing is opened for reading too where that is allowed: its locks need it.
+FileDescriptor OpenExisting(const SystemPath& path, const OpenRequest& request) noexcept
 {
-    SetLastError(error);
-    return FALSE;
-}
-
-// The file behind a handle that grants `access`; else nullptr and the error is set.
-OpenFile* FileOf(HANDLE handle, DWORD access)
-{
-    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return nullptr;
-    }
-    auto* const file = static_cast<OpenFile*>(handle);
-    if ((file->access & access) == access)
-        return file;
-    SetLastError(ERROR_ACCESS_DENIED);
-    return nullptr;
-}
-
-bool TruncatesExisting(DWORD disposition)
-{
-    return disposition == CREATE_ALWAYS || disposition == TRUNCATE_EXISTING;
-}
-
-bool MakesMissing(DWORD disposition)
-{
-    return disposition == CREATE_NEW || disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
-}
-
-// Why a file that is there may not be opened so; ERROR_SUCCESS if it may.
-DWORD ObjectionTo(const FileFacts& facts, const std::string& path, DWORD access, DWORD disposition)
-{
-    if (!facts.IsFolder() && path.back() == '/')
-        return ERROR_INVALID_NAME;
-    if (disposition == CREATE_NEW)
-        return ERROR_FILE_EXISTS;
-    if (facts.IsFolder())
-        return ERROR_ACCESS_DENIED;
-    const bool changes = (access & GENERIC_WRITE) != 0 || TruncatesExisting(disposition);
-    if (facts.IsReadOnly() && changes)
-        return ERROR_ACCESS_DENIED;
-    return disposition == TRUNCATE_EXISTING && (access & GENERIC_WRITE) == 0 ? ERROR_INVALID_PARAMETER
-                                                                             : ERROR_SUCCESS;
-}
-
-// Opens without waiting for the other end of a pipe. Writing alone asks for reading too, for locks need it.
-Descriptor OpenExisting(const std::string& path, DWORD access, DWORD disposition)
-{
-    const bool writes = (access & GENERIC_WRITE) != 0 || TruncatesExisting(disposition);
-    const int always = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    Descriptor file(open(path.c_str(), always | (writes ? O_RDWR : O_RDONLY)));
-    if (!file && errno == EACCES && writes && (access & GENERIC_READ) == 0)
-        file = Descriptor(open(path.c_str(), always | O_WRONLY));
-    else if (!file && errno == EACCES && access == 0)
-        file = Descriptor(open(path.c_str(), O_CLOEXEC | O_PATH));
+    FileDescriptor file = OpenPath(path, request.Changes() ? O_RDWR : O_RDONLY);
+    if (!file.IsOpen() && errno == EACCES && request.Changes() && !request.Reads())
+        file = OpenPath(path, O_WRONLY);
     return file;
 }
 
-Descriptor MakeNew(const std::string& path, DWORD attributes)
+// With errno EEXIST if there is something of that name.
+FileDescriptor MakeNew(const SystemPath& path, const OpenRequest& request) noexcept
 {
-    const mode_t mode = (attributes & FILE_ATTRIBUTE_READONLY) != 0 ? 0444 : 0666;
-    return Descriptor(open(path.c_str(), O_CLOEXEC | O_NOCTTY | O_RDWR | O_CREAT | O_EXCL, mode));
+    const mode_t mode = (request.attributes & FILE_ATTRIBUTE_READONLY) != 0 ? 0444 : 0666;
+    return OpenPath(path, O_RDWR | O_CREAT | O_EXCL, mode);
 }
 
-HANDLE HandleFor(Descriptor descriptor, const std::string& path, DWORD access, DWORD share, DWORD disposition,
-                 bool isNew)
+FileDescriptor OpenOrMake(const SystemPath& path, const OpenRequest& request, bool& existed) noexcept
 {
-    if (!ShareLocks::Claim(descriptor.Number(), access, share))
-        return Refuse(ERROR_SHARING_VIOLATION);
-    if (!isNew && TruncatesExisting(disposition) && ftruncate(descriptor.Number(), 0) != 0 && errno != EINVAL)
-        return Refuse(ErrorForPath(path, errno)); // EINVAL: no regular file, there is nothing to cut
-    auto file = std::make_unique<OpenFile>(OpenFile{std::move(descriptor), access});
-    const bool reportsExisting = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
-    SetLastError(!isNew && reportsExisting ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
-    return file.release();
+    existed = request.disposition != CREATE_NEW;
+    if (!existed)
+        return MakeNew(path, request);
+    FileDescriptor file = OpenExisting(path, request);
+    if (file.IsOpen() || errno != ENOENT || !request.MakesMissing())
+        return file;
+    file = MakeNew(path, request);
+    existed = !file.IsOpen();
+    // Somebody else was quicker, or the name is a link that leads nowhere, which counts as an existing file.
+    if (!file.IsOpen() && errno == EEXIST)
+        file = OpenPath(path, O_RDWR | O_CREAT, 0666);
+    return file;
 }
 
-HANDLE OpenOrMake(const std::string& path, DWORD access, DWORD share, DWORD disposition, DWORD attributes)
+DWORD OpenError(const SystemPath& path, const OpenRequest& request, int posixError) noexcept
 {
-    for (;;) {
-        if (const auto facts = FactsOf(path)) {
-            if (const DWORD objection = ObjectionTo(*facts, path, access, disposition);
-                objection != ERROR_SUCCESS)
-                return Refuse(objection);
-            Descriptor existing = OpenExisting(path, access, disposition);
-            if (existing)
-                return HandleFor(std::move(existing), path, access, share, disposition, false);
-            if (errno != ENOENT || !MakesMissing(disposition))
-                return Refuse(ErrorForPath(path, errno));
-        } else if (errno != ENOENT || !MakesMissing(disposition)) {
-            return Refuse(ErrorForPath(path, errno));
-        }
-        Descriptor made = MakeNew(path, attributes);
-        if (made)
-            return HandleFor(std::move(made), path, access, share, disposition, true);
-        if (errno != EEXIST) // somebody else was quicker: look again
-            return Refuse(ErrorForPath(path, errno));
-        struct stat link = {};
-        if (lstat(path.c_str(), &link) == 0 && S_ISLNK(link.st_mode))
-            return Refuse(ERROR_FILE_NOT_FOUND); // a link that leads nowhere
+    struct stat state;
+    if (posixError == EISDIR && stat(path.Text(), &state) != 0) // a new file was to be made as "name/"
+        return ERROR_INVALID_NAME;
+    const bool isThere = posixError == EEXIST || (posixError == EISDIR && request.disposition == CREATE_NEW);
+    return isThere ? ERROR_FILE_EXISTS : ErrorForPath(path, posixError);
+}
+
+// A file is read-only when its owner may not write it, whoever asks: the superuser as well.
+bool IsReadOnly(const struct stat& state) noexcept
+{
+    return S_ISREG(state.st_mode) && (state.st_mode & S_IWUSR) == 0;
+}
+
+DWORD CheckKind(const OpenedFile& file, const OpenRequest& request) noexcept
+{
+    if (S_ISDIR(file.state.st_mode))
+        return request.OpensFolder() ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+    return file.existed && request.Changes() && IsReadOnly(file.state) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+}
+
+// A handle that asks for no access takes no part, nor does what is no regular file.
+DWORD CheckSharing(const OpenedFile& file, const OpenRequest& request) noexcept
+{
+    const unsigned uses =
+        (request.Reads() ? ShareLocks::Reads : 0U) | (request.Changes() ? ShareLocks::Writes : 0U);
+    if (uses == 0 || !S_ISREG(file.state.st_mode))
+        return ERROR_SUCCESS;
+    const unsigned denies = ((request.share & FILE_SHARE_READ) != 0 ? 0U : ShareLocks::Reads) |
+                            ((request.share & FILE_SHARE_WRITE) != 0 ? 0U : ShareLocks::Writes) |
+                            ((request.share & FILE_SHARE_DELETE) != 0 ? 0U : ShareLocks::Deletes);
+    return ShareLocks::Enter(file.descriptor.Get(), uses, denies) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
+}
+
+// False if the file was deleted or replaced after it was opened and before its locks were there.
+bool IsStillNamed(const SystemPath& path, const OpenedFile& file) noexcept
+{
+    struct stat state;
+    return stat(path.Text(), &state) == 0 && state.st_ino == file.state.st_ino &&
+           state.st_dev == file.state.st_dev;
+}
+
+DWORD OpenShared(const SystemPath& path, const OpenRequest& request, OpenedFile& file) noexcept
+{
+    constexpr int attempts = 10;
+    for (int attempt = 1;; ++attempt) {
+        file.descriptor = OpenOrMake(path, request, file.existed);
+        if (!file.descriptor.IsOpen())
+            return OpenError(path, request, errno);
+        if (fstat(file.descriptor.Get(), &file.state) != 0)
+            return ErrorForErrno(errno);
+        if (const DWORD error = CheckKind(file, request); error != ERROR_SUCCESS)
+            return error;
+        if (const DWORD error = CheckSharing(file, request); error != ERROR_SUCCESS)
+            return error;
+        if (IsStillNamed(path, file) || attempt == attempts)
+            return ERROR_SUCCESS;
     }
 }
 
-// Where a handle would be after this move, or -1 with the error set.
-int64 Move(HANDLE handle, int64 distance, DWORD method)
+DWORD Finish(OpenedFile& file, const OpenRequest& request, HANDLE& handle) noexcept
 {
-    constexpr int Origins[] = {SEEK_SET, SEEK_CUR, SEEK_END};
-    const OpenFile* const file = FileOf(handle, 0);
-    if (file == nullptr)
-        return -1;
-    if (method > FILE_END) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return -1;
-    }
-    const off_t position = lseek(file->descriptor.Number(), distance, Origins[method]);
-    if (position < 0)
-        SetLastError(errno == EINVAL ? ERROR_NEGATIVE_SEEK : ErrorForErrno(errno));
-    return position;
+    const int descriptor = file.descriptor.Get();
+    const bool isRegular = S_ISREG(file.state.st_mode);
+    if (!isRegular)
+        fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
+    if (isRegular && file.existed && request.Truncates() && ftruncate(descriptor, 0) != 0)
+        return ErrorForErrno(errno);
+    handle = OpenFiles::Add(descriptor, (request.Reads() ? OpenFiles::Read : 0U) |
+                                            (request.Writes() ? OpenFiles::Write : 0U) |
+                                            (isRegular ? OpenFiles::Regular : 0U));
+    if (handle == INVALID_HANDLE_VALUE)
+        return ERROR_TOO_MANY_OPEN_FILES;
+    file.descriptor.Release();
+    return file.existed && request.MakesMissing() ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
 }
 
-// Repeats a read or write until all is done, nothing more comes, or it fails.
-template <class Step>
-BOOL Transfer(DWORD count, DWORD* done, Step step)
+// ---- open files
+
+BOOL SystemResult(int result) noexcept
 {
-    DWORD total = 0;
-    bool isFailed = false;
-    while (total < count && !isFailed) {
-        const ssize_t moved = step(total, count - total);
-        if (moved == 0)
+    return result == 0 ? TRUE : Fail(ErrorForErrno(errno));
+}
+
+// Whether the handle is open and has a right; if not, the error is set.
+bool Has(HANDLE handle, unsigned right) noexcept
+{
+    const unsigned rights = OpenFiles::RightsOf(handle);
+    if (rights == OpenFiles::None)
+        return Fail(ERROR_INVALID_HANDLE);
+    return (rights & right) != 0 || Fail(ERROR_ACCESS_DENIED);
+}
+
+// Repeats `transfer(done)`, a system call for what is still missing, until all is done, the call says 0 or,
+// for what is no regular file, something came.
+template <class Call>
+BOOL Transfer(HANDLE handle, DWORD count, DWORD* done, Call transfer) noexcept
+{
+    const bool isRegular = (OpenFiles::RightsOf(handle) & OpenFiles::Regular) != 0;
+    DWORD moved = 0;
+    ssize_t step = 0;
+    while (moved < count) {
+        step = transfer(moved);
+        if (step < 0 && errno == EINTR)
+            continue;
+        if (step <= 0)
             break;
-        isFailed = moved < 0 && errno != EINTR;
-        total += static_cast<DWORD>(std::max<ssize_t>(moved, 0));
+        moved += static_cast<DWORD>(step);
+        if (!isRegular)
+            break;
     }
-    const DWORD error = isFailed ? ErrorForErrno(errno) : ERROR_SUCCESS;
     if (done != nullptr)
-        *done = total;
-    SetLastError(error);
-    return isFailed ? FALSE : TRUE;
+        *done = moved;
+    return step >= 0 ? TRUE : Fail(ErrorForErrno(errno));
+}
+
+bool AddWouldOverflow(int64 a, int64 b) noexcept
+{
+    return b > 0 && a > std::numeric_limits<int64>::max() - b;
+}
+
+// Where a distance is counted from; -1 with the error set.
+int64 StartOf(HANDLE handle, DWORD method) noexcept
+{
+    if (method > FILE_END)
+        return Fail(ERROR_INVALID_PARAMETER), -1;
+    const int descriptor = OpenFiles::DescriptorOf(handle);
+    struct stat state;
+    const int64 start = method == FILE_BEGIN             ? 0
+                        : method == FILE_CURRENT         ? lseek(descriptor, 0, SEEK_CUR)
+                        : fstat(descriptor, &state) == 0 ? state.st_size
+                                                         : -1;
+    if (start < 0)
+        Fail(ErrorForErrno(errno));
+    return start;
 }
 
 } // namespace
 
 HANDLE CreateFileA(const char* path, DWORD access, DWORD share, void*, DWORD disposition, DWORD attributes,
                    HANDLE) noexcept
-try {
-    if (disposition < CREATE_NEW || disposition > TRUNCATE_EXISTING)
-        return Refuse(ERROR_INVALID_PARAMETER);
-    const std::string system = SystemPath(path);
-    if (system.empty())
-        return Refuse(ERROR_PATH_NOT_FOUND);
-    return OpenOrMake(system, access & (GENERIC_READ | GENERIC_WRITE), share, disposition, attributes);
-} catch (const std::bad_alloc&) {
-    return Refuse(ERROR_NOT_ENOUGH_MEMORY);
+{
+    const OpenRequest request = {access, share, disposition, attributes};
+    const SystemPath name(path);
+    OpenedFile file;
+    HANDLE handle = INVALID_HANDLE_VALUE;
+    DWORD error = !name.IsUsable()     ? ErrorOfUnusable(name)
+                  : !request.IsValid() ? ERROR_INVALID_PARAMETER
+                                       : OpenShared(name, request, file);
+    if (error == ERROR_SUCCESS)
+        error = Finish(file, request, handle);
+    SetLastError(error);
+    return handle;
 }
 
 BOOL CloseHandle(HANDLE handle) noexcept
 {
-    const std::unique_ptr<OpenFile> file(FileOf(handle, 0));
-    return file != nullptr ? TRUE : FALSE;
+    const int descriptor = OpenFiles::Remove(handle);
+    if (descriptor < 0)
+        return Fail(ERROR_INVALID_HANDLE);
+    return close(descriptor) == 0 || errno == EINTR ? TRUE : Fail(ErrorForErrno(errno));
 }
 
-BOOL ReadFile(HANDLE handle, void* buffer, DWORD count, DWORD* done, void*) noexcept
+BOOL ReadFile(HANDLE handle, void* buffer, DWORD count, DWORD* done, void* overlapped) noexcept
 {
     if (done != nullptr)
         *done = 0;
-    const OpenFile* const file = FileOf(handle, GENERIC_READ);
-    if (file == nullptr)
+    if (!Has(handle, OpenFiles::Read))
         return FALSE;
-    return Transfer(count, done, [&](DWORD at, DWORD left) {
-        return read(file->descriptor.Number(), static_cast<char*>(buffer) + at, left);
+    if (overlapped != nullptr)
+        return Fail(ERROR_INVALID_PARAMETER);
+    return Transfer(handle, count, done, [&](DWORD moved) {
+        return read(OpenFiles::DescriptorOf(handle), static_cast<char*>(buffer) + moved, count - moved);
     });
 }
 
-BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void*) noexcept
+BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void* overlapped) noexcept
 {
     if (done != nullptr)
         *done = 0;
-    const OpenFile* const file = FileOf(handle, GENERIC_WRITE);
-    if (file == nullptr)
+    if (!Has(handle, OpenFiles::Write))
         return FALSE;
-    return Transfer(count, done, [&](DWORD at, DWORD left) {
-        return write(file->descriptor.Number(), static_cast<const char*>(buffer) + at, left);
+    if (overlapped != nullptr)
+        return Fail(ERROR_INVALID_PARAMETER);
+    return Transfer(handle, count, done, [&](DWORD moved) {
+        return write(OpenFiles::DescriptorOf(handle), static_cast<const char*>(buffer) + moved,
+                     count - moved);
     });
 }
 
 BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD method) noexcept
 {
-    const int64 moved = Move(handle, distance.QuadPart, method);
-    if (moved >= 0 && position != nullptr)
-        position->QuadPart = moved;
-    return moved >= 0 ? TRUE : FALSE;
+    if (!Has(handle, OpenFiles::Open))
+        return FALSE;
+    const int64 start = StartOf(handle, method);
+    if (start < 0)
+        return FALSE;
+    if (AddWouldOverflow(start, distance.QuadPart))
+        return Fail(ERROR_INVALID_PARAMETER);
+    const int64 target = start + distance.QuadPart;
+    if (target < 0)
+        return Fail(ERROR_NEGATIVE_SEEK);
+    if (lseek(OpenFiles::DescriptorOf(handle), target, SEEK_SET) < 0)
+        return Fail(ErrorForErrno(errno));
+    if (position != nullptr)
+        position->QuadPart = target;
+    return TRUE;
 }
 
-DWORD SetFilePointer(HANDLE handle, LONG distance, LONG* distanceHigh, DWORD method) noexcept
+DWORD SetFilePointer(HANDLE handle, LONG low, LONG* high, DWORD method) noexcept
 {
-    int64 whole = distance;
-    if (distanceHigh != nullptr)
-        whole = static_cast<int64>(static_cast<uint64>(static_cast<DWORD>(*distanceHigh)) << 32 |
-                                   static_cast<DWORD>(distance));
-    const int64 moved = Move(handle, whole, method);
-    if (moved < 0)
+    LARGE_INTEGER distance = {low};
+    if (high != nullptr)
+        distance.QuadPart = static_cast<int64>(static_cast<uint64>(*high) << 32 | static_cast<DWORD>(low));
+    LARGE_INTEGER before = {0};
+    LARGE_INTEGER target;
+    if (!SetFilePointerEx(handle, LARGE_INTEGER{0}, &before, FILE_CURRENT) ||
+        !SetFilePointerEx(handle, distance, &target, method))
         return INVALID_SET_FILE_POINTER;
-    SetLastError(ERROR_SUCCESS); // for a position whose low half looks like a failure
-    if (distanceHigh != nullptr)
-        *distanceHigh = static_cast<LONG>(moved >> 32);
-    return static_cast<DWORD>(moved);
+    if (high == nullptr && target.QuadPart > 0xFFFFFFFF) {
+        SetFilePointerEx(handle, before, nullptr, FILE_BEGIN);
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return INVALID_SET_FILE_POINTER;
+    }
+    if (high != nullptr)
+        *high = static_cast<LONG>(target.QuadPart >> 32);
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<DWORD>(target.QuadPart);
 }
 
 BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size) noexcept
 {
-    const OpenFile* const file = FileOf(handle, 0);
-    if (file == nullptr)
+    if (!Has(handle, OpenFiles::Open))
         return FALSE;
-    struct stat facts = {};
-    if (fstat(file->descriptor.Number(), &facts) != 0)
+    struct stat state;
+    if (fstat(OpenFiles::DescriptorOf(handle), &state) != 0)
         return Fail(ErrorForErrno(errno));
-    size->QuadPart = facts.st_size;
+    size->QuadPart = state.st_size;
     return TRUE;
+}
+
+DWORD GetFileSize(HANDLE handle, DWORD* high) noexcept
+{
+    LARGE_INTEGER size;
+    if (!GetFileSizeEx(handle, &size))
+        return INVALID_FILE_SIZE;
+    if (high != nullptr)
+        *high = static_cast<DWORD>(size.QuadPart >> 32);
+    SetLastError(ERROR_SUCCESS);
+    return static_cast<DWORD>(size.QuadPart);
 }
 
 BOOL SetEndOfFile(HANDLE handle) noexcept
 {
-    const OpenFile* const file = FileOf(handle, GENERIC_WRITE);
-    if (file == nullptr)
+    if (!Has(handle, OpenFiles::Write))
         return FALSE;
-    const off_t position = lseek(file->descriptor.Number(), 0, SEEK_CUR);
-    return position >= 0 && ftruncate(file->descriptor.Number(), position) == 0 ? TRUE
-                                                                                : Fail(ErrorForErrno(errno));
+    const int descriptor = OpenFiles::DescriptorOf(handle);
+    const off_t position = lseek(descriptor, 0, SEEK_CUR);
+    return position < 0 ? Fail(ErrorForErrno(errno)) : SystemResult(ftruncate(descriptor, position));
 }
 
 BOOL FlushFileBuffers(HANDLE handle) noexcept
 {
-    const OpenFile* const file = FileOf(handle, GENERIC_WRITE);
-    if (file == nullptr)
+    return Has(handle, OpenFiles::Write) ? SystemResult(fsync(OpenFiles::DescriptorOf(handle))) : FALSE;
+}
+
+BOOL GetFileTime(HANDLE handle, FILETIME* created, FILETIME* accessed, FILETIME* written) noexcept
+{
+    if (!Has(handle, OpenFiles::Open))
         return FALSE;
-    return fsync(file->descriptor.Number()) == 0 || errno == EINVAL ? TRUE : Fail(ErrorForErrno(errno));
+    const auto facts = FactsOf(OpenFiles::DescriptorOf(handle), "");
+    if (!facts)
+        return Fail(ErrorForErrno(errno));
+    if (created != nullptr)
+        *created = facts->created;
+    if (accessed != nullptr)
+        *accessed = facts->accessed;
+    if (written != nullptr)
+        *written = facts->written;
+    return TRUE;
 }

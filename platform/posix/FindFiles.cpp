@@ -4,119 +4,148 @@
 #include <cstring>
 #include <dirent.h>
 #include <memory>
+#include <mutex>
 #include <new>
+#include <string>
 
+#include "platform/posix/Failures.h"
 #include "platform/posix/FileFacts.h"
-#include "platform/posix/SystemPath.h"
+#include "platform/posix/WildcardMatch.h"
 
 namespace {
 
-// * for any characters, ? for exactly one. Goes back to the last * only, so the cost is the product of the
-// lengths.
-bool Matches(const char* name, const char* mask)
-{
-    const char* afterStar = nullptr;
-    const char* resume = nullptr;
-    while (*name != '\0') {
-        if (*mask == '*') {
-            afterStar = ++mask;
-            resume = name;
-        } else if (*mask != '\0' && (*mask == '?' || *mask == *name)) {
-            ++mask;
-            ++name;
-        } else if (afterStar != nullptr) {
-            mask = afterStar;
-            name = ++resume;
-        } else {
-            return false;
-        }
-    }
-    return mask[std::strspn(mask, "*")] == '\0';
-}
-
 struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
+    void operator()(DIR* folder) const noexcept { closedir(folder); }
 };
 
-// What a finding HANDLE points to: an open folder, or nothing after an exact name was found.
+// What a finding handle points to: an open folder, or none after an exact name was found.
 struct Search {
     std::unique_ptr<DIR, CloseFolder> folder;
-    std::string path; // of the folder, with its slash
     std::string mask;
     int dotsLeft = 2; // . and .. come first, wherever the folder lists them
+    Search* next = nullptr;
 };
 
-void Fill(WIN32_FIND_DATAA& data, const std::string& name, const FileFacts& facts)
+// All open searches, so that whatever is passed as a handle is looked up, never followed.
+std::mutex searchesLock;
+constinit Search* searches = nullptr;
+
+Search** PlaceOf(HANDLE handle) noexcept
 {
-    data = {facts.attributes,
-            facts.created,
-            facts.accessed,
-            facts.written,
-            static_cast<DWORD>(facts.size >> 32),
-            static_cast<DWORD>(facts.size),
-            {}};
-    std::memcpy(data.cFileName, name.c_str(), std::min<std::size_t>(name.size(), MAX_PATH - 1));
+    Search** place = &searches;
+    while (*place != nullptr && *place != handle)
+        place = &(*place)->next;
+    return place;
 }
 
-bool IsDots(const char* name)
+HANDLE Keep(std::unique_ptr<Search> search) noexcept
 {
-    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+    const std::lock_guard guard(searchesLock);
+    search->next = searches;
+    return searches = search.release();
 }
 
-// The next name that matches, or nullptr.
-const char* NextName(Search& search)
+// nullptr if this is no open search.
+Search* SearchOf(HANDLE handle) noexcept
 {
+    const std::lock_guard guard(searchesLock);
+    return *PlaceOf(handle);
+}
+
+std::unique_ptr<Search> Take(HANDLE handle) noexcept
+{
+    const std::lock_guard guard(searchesLock);
+    Search** const place = PlaceOf(handle);
+    std::unique_ptr<Search> search(*place);
+    if (search)
+        *place = search->next;
+    return search;
+}
+
+bool IsDots(std::string_view name) noexcept
+{
+    return name == "." || name == "..";
+}
+
+void Fill(WIN32_FIND_DATAA& data, std::string_view name, const FileFacts& facts) noexcept
+{
+    data = {};
+    facts.CopyTo(data);
+    name.copy(data.cFileName, sizeof data.cFileName - 1);
+}
+
+// A file whose facts are not to be had is listed with what the folder knows.
+FileFacts FactsOfEntry(unsigned char type) noexcept
+{
+    FileFacts facts;
+    facts.attributes = type == DT_DIR ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_ARCHIVE;
+    return facts;
+}
+
+bool FillFromFolder(const Search& search, const char* name, unsigned char type,
+                    WIN32_FIND_DATAA& data) noexcept
+{
+    const auto facts = FactsOf(dirfd(search.folder.get()), name);
+    if (!facts && errno == ENOENT) // it has just been deleted
+        return false;
+    Fill(data, name, facts ? *facts : FactsOfEntry(type));
+    return true;
+}
+
+// ERROR_NO_MORE_FILES at the end.
+DWORD FindNext(Search& search, WIN32_FIND_DATAA& data) noexcept
+{
+    if (!search.folder)
+        return ERROR_NO_MORE_FILES;
     while (search.dotsLeft > 0) {
         const char* const dots = search.dotsLeft-- == 2 ? "." : "..";
-        if (Matches(dots, search.mask.c_str()))
-            return dots;
+        if (MatchesWildcards(dots, search.mask) && FillFromFolder(search, dots, DT_DIR, data))
+            return ERROR_SUCCESS;
     }
-    while (const dirent* const entry = search.folder ? readdir(search.folder.get()) : nullptr)
-        if (!IsDots(entry->d_name) && Matches(entry->d_name, search.mask.c_str()))
-            return entry->d_name;
-    return nullptr;
+    while (const dirent* const entry = readdir(search.folder.get()))
+        if (!IsDots(entry->d_name) && MatchesWildcards(entry->d_name, search.mask) &&
+            FillFromFolder(search, entry->d_name, entry->d_type, data))
+            return ERROR_SUCCESS;
+    return ERROR_NO_MORE_FILES;
 }
 
-bool FindNext(Search& search, WIN32_FIND_DATAA& data)
+DWORD FindExact(const SystemPath& pattern, std::string_view name, WIN32_FIND_DATAA& data) noexcept
 {
-    while (const char* const name = NextName(search))
-        if (const auto facts = FactsOf(search.path + name)) { // else it has just been deleted
-            Fill(data, name, *facts);
-            return true;
-        }
-    return false;
+    const auto facts = FactsOf(pattern);
+    if (!facts)
+        return ErrorForPath(pattern, errno);
+    Fill(data, name, *facts);
+    return ERROR_SUCCESS;
 }
 
-// Starts the search and finds the first file; ERROR_SUCCESS or why there is none.
-DWORD Start(Search& search, const std::string& pattern, WIN32_FIND_DATAA& data)
+// Starts the search and finds the first file.
+DWORD Start(Search& search, const SystemPath& pattern, WIN32_FIND_DATAA& data)
 {
-    search.path = FolderOf(pattern);
-    search.mask = NameOf(pattern) == "*.*" ? "*" : NameOf(pattern);
-    if (search.mask.empty())
-        return pattern.empty() ? ERROR_PATH_NOT_FOUND : ERROR_FILE_NOT_FOUND;
-    if (search.mask.find_first_of("*?") == std::string::npos) {
-        const auto facts = FactsOf(pattern);
-        if (!facts)
-            return ErrorForPath(pattern, errno);
-        Fill(data, search.mask, *facts);
-        search.dotsLeft = 0;
-        return ERROR_SUCCESS;
+    const auto separator = pattern.View().rfind('/');
+    search.mask = pattern.View().substr(separator + 1); // npos + 1 is 0
+    if (!search.mask.empty() && search.mask.find_first_of("*?") == std::string::npos)
+        return FindExact(pattern, search.mask, data);
+    const SystemPath folder(separator == std::string_view::npos ? "."
+                                                                : pattern.View().substr(0, separator + 1));
+    search.folder.reset(opendir(folder.Text()));
+    if (!search.folder) {
+        const DWORD error = ErrorForPath(folder, errno);
+        return error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND
+               : error == ERROR_INVALID_NAME ? ERROR_DIRECTORY
+                                             : error;
     }
-    search.folder.reset(opendir(search.path.empty() ? "." : search.path.c_str()));
-    if (!search.folder)
-        return errno == ENOENT ? ERROR_PATH_NOT_FOUND : ErrorForPath(search.path, errno);
-    return FindNext(search, data) ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+    const bool isFound = !search.mask.empty() && FindNext(search, data) == ERROR_SUCCESS;
+    return isFound ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
 }
 
 } // namespace
 
 HANDLE FindFirstFileA(const char* pattern, WIN32_FIND_DATAA* data) noexcept
 try {
+    const SystemPath path(pattern);
     auto search = std::make_unique<Search>();
-    const DWORD error = Start(*search, SystemPath(pattern), *data);
-    if (error == ERROR_SUCCESS)
-        return search.release();
-    SetLastError(error);
+    if (Answer(path.IsUsable() ? Start(*search, path, *data) : ErrorOfUnusable(path)))
+        return Keep(std::move(search));
     return INVALID_HANDLE_VALUE;
 } catch (const std::bad_alloc&) {
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);
@@ -124,23 +153,12 @@ try {
 }
 
 BOOL FindNextFileA(HANDLE handle, WIN32_FIND_DATAA* data) noexcept
-try {
-    const bool isHandle = handle != nullptr && handle != INVALID_HANDLE_VALUE;
-    if (isHandle && FindNext(*static_cast<Search*>(handle), *data))
-        return TRUE;
-    SetLastError(isHandle ? ERROR_NO_MORE_FILES : ERROR_INVALID_HANDLE);
-    return FALSE;
-} catch (const std::bad_alloc&) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    return FALSE;
+{
+    Search* const search = SearchOf(handle);
+    return Answer(search == nullptr ? ERROR_INVALID_HANDLE : FindNext(*search, *data));
 }
 
 BOOL FindClose(HANDLE handle) noexcept
 {
-    if (handle == nullptr || handle == INVALID_HANDLE_VALUE) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    delete static_cast<Search*>(handle);
-    return TRUE;
+    return Answer(Take(handle) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE);
 }

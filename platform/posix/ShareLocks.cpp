@@ -1,87 +1,90 @@
 #include "platform/posix/ShareLocks.h"
 
+#include <cerrno>
+#include <ctime>
 #include <fcntl.h>
+#include <limits>
 #include <unistd.h>
-
-#include "platform/posix/PosixFiles.h"
 
 namespace {
 
-enum Sign : off_t {
-    Reads = 0x7000000000000000,
-    Writes,
-    DeniesReading,
-    DeniesWriting,
-    DeniesDeleting,
-};
+// The bytes from here on: one per use in the order of the enumeration, then one per denial.
+constexpr off_t FirstByte = std::numeric_limits<off_t>::max() - 255;
+constexpr int UseCount = 3;
+constexpr int Attempts = 20;
 
-struct flock LockOn(Sign sign, short type)
+struct flock LockOf(short type, int byte) noexcept
 {
     struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
-    lock.l_start = sign;
+    lock.l_start = FirstByte + byte;
     lock.l_len = 1;
     return lock;
 }
 
-void Show(int file, Sign sign)
+// Bit for bit, the bytes that stand for some uses and denials.
+unsigned BytesFor(unsigned uses, unsigned denies) noexcept
 {
-    struct flock lock = LockOn(sign, F_RDLCK);
-    fcntl(file, F_OFD_SETLK, &lock);
+    return uses | denies << UseCount;
 }
 
-void Hide(int file, Sign sign)
+bool IsAnyHeldByOthers(int descriptor, unsigned bytes) noexcept
 {
-    struct flock lock = LockOn(sign, F_UNLCK);
-    fcntl(file, F_OFD_SETLK, &lock);
+    for (int byte = 0; byte < 2 * UseCount; ++byte) {
+        struct flock lock = LockOf(F_WRLCK, byte);
+        if ((bytes >> byte & 1) != 0 && fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK)
+            return true;
+    }
+    return false;
 }
 
-// Whether another open file shows this sign.
-bool IsShown(int file, Sign sign)
+bool IsRefusal(int posixError) noexcept
 {
-    struct flock lock = LockOn(sign, F_WRLCK);
-    return fcntl(file, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    return posixError == EAGAIN || posixError == EACCES; // anything else: no locks in this place
 }
 
-struct Rule {
-    bool applies;  // to this handle
-    Sign shown;    // what it shows then
-    Sign excluded; // what no other may show
-    bool isStrict; // false: nothing is excluded
-};
+bool Announce(int descriptor, unsigned bytes) noexcept
+{
+    for (int byte = 0; byte < 2 * UseCount; ++byte) {
+        struct flock lock = LockOf(F_RDLCK, byte);
+        if ((bytes >> byte & 1) != 0 && fcntl(descriptor, F_OFD_SETLK, &lock) != 0 && IsRefusal(errno))
+            return false;
+    }
+    return true;
+}
+
+void Withdraw(int descriptor) noexcept
+{
+    struct flock lock = LockOf(F_UNLCK, 0);
+    lock.l_len = 2 * UseCount;
+    fcntl(descriptor, F_OFD_SETLK, &lock);
+}
+
+void WaitShortly(int attempt) noexcept
+{
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    const long spread = 20'000L * (attempt + 1); // nanoseconds; uneven, so that two who met part
+    const timespec pause = {0, (now.tv_nsec ^ getpid() * 7919L) % spread};
+    nanosleep(&pause, nullptr);
+}
 
 } // namespace
 
-bool ShareLocks::Claim(int file, DWORD access, DWORD share)
+bool ShareLocks::Enter(int descriptor, unsigned uses, unsigned denies) noexcept
 {
-    if (access == 0)
-        return true;
-    const Rule rules[] = {
-        {(access & GENERIC_READ) != 0, Reads, DeniesReading, true},
-        {(access & GENERIC_WRITE) != 0, Writes, DeniesWriting, true},
-        {(share & FILE_SHARE_READ) == 0, DeniesReading, Reads, true},
-        {(share & FILE_SHARE_WRITE) == 0, DeniesWriting, Writes, true},
-        {(share & FILE_SHARE_DELETE) == 0, DeniesDeleting, DeniesDeleting, false},
-    };
-    for (const Rule& rule : rules)
-        if (rule.applies)
-            Show(file, rule.shown);
-    bool isFree = true;
-    for (const Rule& rule : rules)
-        isFree = isFree && !(rule.applies && rule.isStrict && IsShown(file, rule.excluded));
-    if (!isFree)
-        for (const Rule& rule : rules)
-            Hide(file, rule.shown);
-    return isFree;
-}
-
-bool ShareLocks::IsDeletingDenied(const std::string& systemPath)
-{
-    const int file = open(systemPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0)
-        return false;
-    const bool isDenied = IsShown(file, DeniesDeleting);
-    close(file);
-    return isDenied;
+    const unsigned own = BytesFor(uses, denies);
+    const unsigned opposed = BytesFor(denies, uses);
+    const unsigned lasting = opposed & ~BytesFor(Deletes, 0); // deleting takes a moment: worth waiting for
+    for (int attempt = 0; attempt < Attempts; ++attempt) {
+        // Looked at before anything is announced, so that one who is not let in disturbs nobody.
+        if (IsAnyHeldByOthers(descriptor, lasting) || !Announce(descriptor, own))
+            return false;
+        if (!IsAnyHeldByOthers(descriptor, opposed))
+            return true;
+        Withdraw(descriptor); // two came at the same moment and saw each other
+        WaitShortly(attempt);
+    }
+    return false;
 }
