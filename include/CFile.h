@@ -14,7 +14,7 @@
 
 // What CFile::GetStatus finds out about a file or folder.
 struct CFileStatus {
-    uint64 m_size = 0;
+    uint64 m_size = 0; // 0 for a folder, and for a file that may not be read
     bool m_readOnly = false;
     bool m_folder = false;
 };
@@ -72,7 +72,7 @@ public:
     virtual CString GetFileTitle() const;
     virtual CString GetFilePath() const { return m_strFileName; }
     virtual void SetFilePath(const char* fileName) { m_strFileName = fileName; }
-    bool IsOpen() const noexcept { return m_hFile != nullptr; }
+    virtual bool IsOpen() const noexcept { return m_hFile != nullptr; }
 
     static void Remove(const char* fileName);
     static void Rename(const char* oldName, const char* newName);     // fails when the new name is taken

@@ -27,7 +27,7 @@ public:
         endOfFile
     };
 
-    explicit CFileException(int cause = none, LONG osError = 0, const CString& fileName = CString()) noexcept;
+    explicit CFileException(int cause = none, LONG osError = 0, const CString& fileName = CString());
     const char* what() const noexcept override { return m_text.GetString(); }
 
     // The cause that fits a number of GetLastError; genericException for those without a cause of their own.

@@ -35,6 +35,7 @@ public:
     uint64 GetLength() const override { return m_length; }
     void SetLength(uint64 length) override;
     void Flush() override {}
+    bool IsOpen() const noexcept override { return true; }
 
 private:
     void Release() noexcept;
