@@ -113,6 +113,7 @@ struct PlainValue {
 // the texts as encrypted-string records.
 struct ProtectedValue {
     void operator()(CArchive& archive, CString& text) const { LoadProtectedString(archive, text); }
+    void operator()(CArchive& archive, TextArray& texts) const { texts.Serialize(archive, true); }
     void operator()(CArchive& archive, int& value) const { archive >> value; }
 };
 
@@ -159,6 +160,7 @@ void LoadElements(CArchive& archive, std::vector<Element>& list, std::size_t cou
     }
 }
 
+// Texts in a list that has the right length already are replaced one by one.
 template <class Text, class LoadOne>
 requires OneOf<Text, CString, std::string>
 void LoadElements(CArchive& archive, std::vector<Text>& list, std::size_t count, LoadOne loadOne)
@@ -168,9 +170,31 @@ void LoadElements(CArchive& archive, std::vector<Text>& list, std::size_t count,
         ReserveLikely(archive, list, count);
     }
     for (std::size_t i = 0; i < count; ++i) {
-        if (i == list.size())
-            list.emplace_back();
-        loadOne(archive, list[i]);
+        Text text;
+        loadOne(archive, text);
+        if (i < list.size())
+            list[i] = std::move(text);
+        else
+            list.push_back(std::move(text));
+    }
+}
+
+// Plain texts are nearly always made where they stay, straight from the archive's buffer.
+inline void LoadElements(CArchive& archive, std::vector<CString>& list, std::size_t count, PlainValue plain)
+{
+    if (count == list.size())
+        return LoadElements<CString, PlainValue>(archive, list, count, plain);
+    list.clear();
+    ReserveLikely(archive, list, count);
+    for (std::size_t i = 0; i < count; ++i) {
+        std::string_view buffered;
+        if (archive.TakeBufferedText(buffered)) {
+            list.emplace_back(buffered.data(), static_cast<int>(buffered.size()));
+            continue;
+        }
+        CString text;
+        archive >> text;
+        list.push_back(std::move(text));
     }
 }
 
