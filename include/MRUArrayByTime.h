@@ -36,9 +36,10 @@ public:
 
     // Stores all, from the largest total down. Loading replaces the texts once all is read, so that an
     // exception leaves them as they were; a record of an unknown version changes nothing. It reads what is
-    // stored and also the legacy container layout, told apart by the container's version word: a legacy count
-    // that begins with the same 16 bits is taken for legacy when it is 1, the total is not 0, and the data
-    // ahead are too short for the 65536 totals or more that the current layout would then claim.
+    // stored and also the legacy container layout. The word where the current layout has its version, 1,
+    // tells them apart. A legacy count of 1 has the same word: it is taken for legacy when the current layout
+    // would claim 65536 totals or more that the data ahead are too short for (that is, always but for a
+    // total whose lower 48 bits are 0, which is read as an empty table).
     void Serialize(CArchive& archive);
 
 private:

@@ -156,7 +156,7 @@ void ExpectSame(const MRUArray& lists, const SlowLists& slow)
     ASSERT_EQ(AsList(popularLimited), FirstOf(flat, std::min<uint64>(slow.maxPopular, slow.popular.size())));
     ASSERT_EQ(lists.GetRecentCount(), std::min<uint64>(slow.maxRecent, slow.recent.size()));
     ASSERT_TRUE(lists.HaveRecent() == !slow.recent.empty() && lists.HavePopular() == !flat.empty());
-    for (const std::size_t i : {0, 1, 31, 32, 33, 60, 1000})
+    for (const std::size_t i : {0u, 1u, 31u, 32u, 33u, 60u, 1000u})
         ASSERT_EQ(lists.GetRecentAt(i), i < slow.recent.size() ? slow.recent[i] : CString());
     for (const CString& current : {CString(), lists.GetRecentAt(0), CString("none")})
         ASSERT_EQ(lists.GetRecent(current), slow.GetRecent(current));
