@@ -275,7 +275,7 @@ void CFile::Remove(const char* fileName)
 
 void CFile::Rename(const char* oldName, const char* newName)
 {
-    if (!MoveFileExA(oldName, newName, 0))
+    if (!MoveFileA(oldName, newName))
         throw LastErrorOf(oldName);
 }
 

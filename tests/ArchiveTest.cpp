@@ -323,6 +323,14 @@ TEST(RewindArchive, StopsWhereTheArchiveBegan)
     EXPECT_EQ(CauseOf([&] { archive.DoRewindInt(); }), CArchiveException::badIndex);
     archive >> word;
     EXPECT_EQ(word, 0x0403);
+    std::string all(1000, '\0');
+    CMemFile behind(reinterpret_cast<BYTE*>(all.data()), all.size());
+    behind.Seek(100, CFile::begin);
+    CRewindArchive whole(&behind, CArchive::load, CArchive::MinBuffer);
+    whole.EnsureRead(all.data(), 900);
+    for (int steps = 0; steps < 225; ++steps)
+        whole.DoRewindInt();
+    EXPECT_EQ(CauseOf([&] { whole.DoRewindInt(); }), CArchiveException::badIndex);
     CRewindArchive storing(&file, CArchive::store);
     EXPECT_EQ(CauseOf([&] { storing.DoRewindWORD(); }), CArchiveException::writeOnly);
 }

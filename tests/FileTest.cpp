@@ -3,40 +3,16 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 #include <new>
 #include <random>
-#include <unistd.h>
+#include <string>
 
 #include "CMemFile.h"
 #include "support/ArchiveBytes.h"
+#include "support/TemporaryFolder.h"
 
 namespace {
-
-// A folder of its own for each test.
-class FileTest : public testing::Test {
-protected:
-    FileTest()
-    {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kvt01-file-XXXXXX").string();
-        folder = mkdtemp(pattern.data());
-    }
-    ~FileTest() override { std::filesystem::remove_all(folder); }
-
-    std::string Path(const std::string& name) const { return folder + "/" + name; }
-    static std::string Content(const std::string& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    static void Make(const std::string& path, const std::string& content)
-    {
-        std::ofstream(path, std::ios::binary) << content;
-    }
-
-    std::string folder;
-};
 
 // One random sequence of operations for every kind of file, against a plain vector of bytes.
 void BehavesAsBytes(CFile& file, unsigned seed)
@@ -94,10 +70,11 @@ void BehavesAsBytes(CFile& file, unsigned seed)
     EXPECT_TRUE(all == model);
 }
 
-TEST_F(FileTest, EveryKindOfFileHoldsBytesAlike)
+TEST(File, EveryKindOfFileHoldsBytesAlike)
 {
+    const TemporaryFolder folder;
     const unsigned seed = std::random_device()();
-    CFile file(Path("random").c_str(), CFile::modeCreate | CFile::modeReadWrite);
+    CFile file(folder.Path("random").c_str(), CFile::modeCreate | CFile::modeReadWrite);
     BehavesAsBytes(file, seed);
     CMemFile memory;
     BehavesAsBytes(memory, seed);
@@ -108,8 +85,9 @@ TEST_F(FileTest, EveryKindOfFileHoldsBytesAlike)
     BehavesAsBytes(outgrown, seed);
 }
 
-TEST_F(FileTest, ModesDecideWhatOpenDoesWithWhatIsThere)
+TEST(File, ModesDecideWhatOpenDoesWithWhatIsThere)
 {
+    const TemporaryFolder folder;
     struct Row {
         UINT flags;
         bool existing, opens;
@@ -128,9 +106,9 @@ TEST_F(FileTest, ModesDecideWhatOpenDoesWithWhatIsThere)
     int number = 0;
     for (const Row& row : rows) {
         SCOPED_TRACE(++number);
-        const std::string path = Path(std::to_string(number));
+        const std::string name = std::to_string(number), path = folder.Path(name);
         if (row.existing)
-            Make(path, "oldcontent");
+            folder.Write(name, "oldcontent");
         CFile file;
         CFileException error;
         ASSERT_EQ(file.Open(path.c_str(), row.flags | CFile::shareDenyNone, &error), row.opens);
@@ -140,13 +118,14 @@ TEST_F(FileTest, ModesDecideWhatOpenDoesWithWhatIsThere)
             continue;
         file.Write("new", 3);
         file.Close();
-        EXPECT_EQ(Content(path), row.after);
+        EXPECT_EQ(folder.Read(name), row.after);
     }
 }
 
-TEST_F(FileTest, FailuresNameTheFileAndTheReason)
+TEST(File, FailuresNameTheFileAndTheReason)
 {
-    const std::string missing = Path("missing.txt");
+    const TemporaryFolder folder;
+    const std::string missing = folder.Path("missing.txt");
     try {
         CFile file(missing.c_str(), CFile::modeRead);
         FAIL();
@@ -157,7 +136,7 @@ TEST_F(FileTest, FailuresNameTheFileAndTheReason)
         EXPECT_NE(std::string(exception.what()).find(missing), std::string::npos);
     }
     EXPECT_THROW(CFile::Remove(missing.c_str()), CFileException);
-    EXPECT_THROW(CFile::Rename(missing.c_str(), Path("other").c_str()), CFileException);
+    EXPECT_THROW(CFile::Rename(missing.c_str(), folder.Path("other").c_str()), CFileException);
     CFile closed;
     char c = 0;
     EXPECT_THROW(closed.Read(&c, 1), CFileException);
@@ -168,9 +147,10 @@ TEST_F(FileTest, FailuresNameTheFileAndTheReason)
     closed.Abort();
 }
 
-TEST_F(FileTest, FilesAreNamedMovedAndRemoved)
+TEST(File, FilesAreNamedMovedAndRemoved)
 {
-    const std::string path = Path("report.old.txt"), other = Path("other");
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("report.old.txt"), other = folder.Path("other");
     {
         CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
         file.Write("12345", 5);
@@ -182,13 +162,13 @@ TEST_F(FileTest, FilesAreNamedMovedAndRemoved)
     CFileStatus status;
     ASSERT_TRUE(CFile::GetStatus(path.c_str(), status));
     EXPECT_TRUE(status.m_size == 5 && !status.m_readOnly && !status.m_folder);
-    ASSERT_TRUE(CFile::GetStatus(folder.c_str(), status));
+    ASSERT_TRUE(CFile::GetStatus(folder.Path().c_str(), status));
     EXPECT_TRUE(status.m_folder);
     CFile::Rename(path.c_str(), other.c_str());
     EXPECT_FALSE(CFile::GetStatus(path.c_str(), status));
-    Make(path, "");
+    folder.Write("report.old.txt", "");
     EXPECT_THROW(CFile::Rename(path.c_str(), other.c_str()), CFileException);
-    EXPECT_EQ(Content(other), "12345");
+    EXPECT_EQ(folder.Read("other"), "12345");
     std::filesystem::permissions(other, std::filesystem::perms::owner_read);
     ASSERT_TRUE(CFile::GetStatus(other.c_str(), status));
     EXPECT_TRUE(status.m_readOnly);
@@ -196,9 +176,10 @@ TEST_F(FileTest, FilesAreNamedMovedAndRemoved)
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(FileTest, ArchivesGoThroughFilesOnDisk)
+TEST(File, ArchivesGoThroughFilesOnDisk)
 {
-    const std::string path = Path("archive");
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("archive");
     const CString text('x', 100000);
     {
         CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
