@@ -323,11 +323,11 @@ TEST(RewindArchive, StopsWhereTheArchiveBegan)
     EXPECT_EQ(CauseOf([&] { archive.DoRewindInt(); }), CArchiveException::badIndex);
     archive >> word;
     EXPECT_EQ(word, 0x0403);
-    std::string all(1000, '\0');
+    std::string all(1000, '\0'), loaded(900, '\0');
     CMemFile behind(reinterpret_cast<BYTE*>(all.data()), all.size());
     behind.Seek(100, CFile::begin);
     CRewindArchive whole(&behind, CArchive::load, CArchive::MinBuffer);
-    whole.EnsureRead(all.data(), 900);
+    whole.EnsureRead(loaded.data(), loaded.size());
     for (int steps = 0; steps < 225; ++steps)
         whole.DoRewindInt();
     EXPECT_EQ(CauseOf([&] { whole.DoRewindInt(); }), CArchiveException::badIndex);
