@@ -12,7 +12,7 @@
 
 namespace FileNameOrder {
 
-// A path cut as PathParts cuts it, in one walk from its end.
+// A path cut as PathParts cuts it, but quickly.
 struct Pieces {
     std::string_view folder; // with its separator
     std::string_view base;
@@ -61,10 +61,16 @@ public:
     Key Write(const CString& path, unsigned char* out) const;
 
 private:
-    Key WriteNumber(const char*& at, const char* end, unsigned char* out) const;
-    Key WriteDecimal(std::uint64_t integer, const char*& at, const char* end, unsigned char* out) const;
-    Key WriteWide(const char* first, const char*& at, const char* end, unsigned char* out) const;
-    Key WriteLength(std::ptrdiff_t length, const char* at, const char* end, unsigned char* out) const;
+    // How far the name was read and the key written; `at` is null behind a number that bytes cannot express.
+    struct Place {
+        const char* at;
+        unsigned char* out;
+    };
+
+    Place WriteNumber(Place place, const char* end) const;
+    Place WriteDecimal(Place place, const char* end, std::uint64_t integer) const;
+    Place WriteWide(Place place, const char* end, const char* first) const;
+    Place WriteLength(Place place, const char* end, std::ptrdiff_t length) const;
 
     const unsigned char* m_codes;    // of a character in a base name; 0 for a digit
     unsigned char m_numbers;         // the first of the nine codes for numbers

@@ -171,29 +171,28 @@ NameKeys MakeNameKeys(const std::vector<CString>& names, bool caseSensitive, con
 // ---- sorting
 // ----------------------------------------------------------------------------------------------------------
 
-template <class Entry>
-void PlaceInOrder(std::vector<CString>& strings, const std::vector<Entry>& order)
+using Order = std::vector<KeySort::Entry>;
+
+void PlaceInOrder(std::vector<CString>& strings, const Order& order)
 {
+    std::size_t inPlace = 0;
+    std::size_t mirrored = 0;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        inPlace += order[i].index == i ? 1 : 0;
+        mirrored += order[i].index == order.size() - 1 - i ? 1 : 0;
+    }
+    if (inPlace == order.size())
+        return;
+    if (mirrored == order.size())
+        return std::reverse(strings.begin(), strings.end());
     std::vector<CString> placed;
     placed.reserve(strings.size());
-    for (const Entry& entry : order)
+    for (const KeySort::Entry& entry : order)
         placed.push_back(std::move(strings[entry.index]));
     strings.swap(placed);
 }
 
-void SortByKeys(std::vector<CString>& strings, const std::vector<std::string_view>& keys,
-                const PackedText::CaseFolding& folding, bool ascending)
-{
-    KeySort sort(keys, folding, ascending);
-    if (sort.IsSorted())
-        return;
-    if (sort.IsReversed())
-        std::reverse(strings.begin(), strings.end());
-    else
-        PlaceInOrder(strings, sort.Sort());
-}
-
-void SortTexts(std::vector<CString>& texts, bool ascending, bool caseSensitive)
+Order OrderOfTexts(const std::vector<CString>& texts, bool ascending, bool caseSensitive)
 {
     std::vector<std::string_view> keys;
     keys.reserve(texts.size());
@@ -201,38 +200,41 @@ void SortTexts(std::vector<CString>& texts, bool ascending, bool caseSensitive)
         keys.emplace_back(text.GetString()); // up to the first NUL
     const auto folding =
         caseSensitive ? PackedText::CaseFolding::Exact() : PackedText::CaseFolding::Runtime();
-    SortByKeys(texts, keys, folding, ascending);
+    return KeySort(keys, folding, ascending).Sort();
 }
 
 // By the keys as far as they go, then by the rule.
-void SortByRule(std::vector<CString>& names, const std::vector<std::string_view>& keys, bool ascending,
-                bool caseSensitive)
+Order OrderByRule(const std::vector<CString>& names, const std::vector<std::string_view>& keys,
+                  bool ascending, bool caseSensitive)
 {
-    struct Item {
-        std::size_t index;
-    };
     const auto compare = [&](std::size_t a, std::size_t b) {
         const std::size_t common = std::min(keys[a].size(), keys[b].size());
         const int bytes = std::memcmp(keys[a].data(), keys[b].data(), common);
         return bytes != 0 ? bytes : FileNameOrder::Compare(names[a], names[b], caseSensitive);
     };
-    std::vector<Item> order(names.size());
+    Order order(names.size());
     for (std::size_t i = 0; i < order.size(); ++i)
         order[i].index = i;
-    BoundedSort::Sort(order, [&](const Item& a, const Item& b) {
+    BoundedSort::Sort(order, [&](const KeySort::Entry& a, const KeySort::Entry& b) {
         const int result = compare(a.index, b.index);
         return ascending ? result < 0 : result > 0;
     });
-    PlaceInOrder(names, order);
+    return order;
 }
 
-void SortNames(std::vector<CString>& names, bool ascending, bool caseSensitive, const FolderPlaces* folders)
+Order OrderOfNames(const std::vector<CString>& names, bool ascending, bool caseSensitive,
+                   const FolderPlaces* folders)
 {
     const NameKeys made = MakeNameKeys(names, caseSensitive, folders);
-    if (made.areWhole)
-        SortByKeys(names, made.keys, PackedText::CaseFolding::Exact(), ascending);
-    else
-        SortByRule(names, made.keys, ascending, caseSensitive);
+    if (!made.areWhole)
+        return OrderByRule(names, made.keys, ascending, caseSensitive);
+    return KeySort(made.keys, PackedText::CaseFolding::Exact(), ascending).Sort();
+}
+
+Order OrderOfPaths(const std::vector<CString>& paths, bool ascending, bool caseSensitive)
+{
+    const FolderPlaces folders(paths, caseSensitive);
+    return OrderOfNames(paths, ascending, caseSensitive, &folders);
 }
 
 } // namespace
@@ -267,18 +269,13 @@ void TextArray::Sort(bool ascending, bool caseSensitive, Content content)
     FillDecimalSeparator();
     switch (content) {
     case ContentText:
-        SortTexts(m_strings, ascending, caseSensitive);
-        break;
-    case ContentPaths: {
-        const FolderPlaces folders(m_strings, caseSensitive);
-        SortNames(m_strings, ascending, caseSensitive, &folders);
-        break;
-    }
+        return PlaceInOrder(m_strings, OrderOfTexts(m_strings, ascending, caseSensitive));
+    case ContentPaths:
+        return PlaceInOrder(m_strings, OrderOfPaths(m_strings, ascending, caseSensitive));
     case ContentFiles:
-        SortNames(m_strings, ascending, caseSensitive, nullptr);
-        break;
+        return PlaceInOrder(m_strings, OrderOfNames(m_strings, ascending, caseSensitive, nullptr));
     default: // nothing comes before anything
-        break;
+        return;
     }
 }
 
