@@ -203,11 +203,10 @@ FileNameKeys::FileNameKeys(bool caseSensitive)
     m_isUsable = TablesAreAsAtLoad() && !IsDigit(point) && !IsDigit(thousands) && !IsDigit(m_decimal);
 }
 
-FileNameKeys::Key FileNameKeys::Write(const CString& path, unsigned char* out) const
+FileNameKeys::Key FileNameKeys::Write(const FileNameOrder::Pieces& name, unsigned char* out) const
 {
     if (!m_isUsable)
         return {out, false};
-    const FileNameOrder::Pieces name = FileNameOrder::Split(path);
     const unsigned char* const codes = m_codes;
     const char* at = name.base.data();
     const char* const end = at + name.base.size();

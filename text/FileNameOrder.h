@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace FileNameOrder {
@@ -54,11 +55,14 @@ public:
 
     explicit FileNameKeys(bool caseSensitive);
 
-    // The most bytes that `Write` touches for a path of so many characters.
-    static constexpr std::size_t MaxSize(std::size_t length) { return 3 * length + 16; }
+    // The most bytes that `Write` touches.
+    static std::size_t MaxSize(const FileNameOrder::Pieces& name)
+    {
+        return 3 * name.base.size() + std::char_traits<char>::length(name.extension) + 16;
+    }
     // Two whole keys compare (the shorter one first) as the rule does. So do any two keys that differ before
     // either one ends.
-    Key Write(const CString& path, unsigned char* out) const;
+    Key Write(const FileNameOrder::Pieces& name, unsigned char* out) const;
 
 private:
     // How far the name was read and the key written; `at` is null behind a number that bytes cannot express.
