@@ -11,6 +11,7 @@ endif()
 
 function(kvt01_own_code target)
   target_compile_features(${target} PRIVATE cxx_std_20)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+    -ffp-contract=off) # the same bits from sums of products on every processor
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
 endfunction()
