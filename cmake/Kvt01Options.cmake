@@ -11,13 +11,10 @@ endif()
 
 function(kvt01_own_code target)
   target_compile_features(${target} PRIVATE cxx_std_20)
-<<<<<<< HEAD
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+  # The same bits from sums of products on every processor.
+  target_compile_options(${target} PRIVATE -ffp-contract=off)
   # g++ 12 sees overlapping copies in std::string's + where there are none.
   target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
-=======
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
-    -ffp-contract=off) # the same bits from sums of products on every processor
->>>>>>> locale
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
 endfunction()
