@@ -4,6 +4,7 @@
 #include "BasicTypes.h"
 #include "COleDateTime.h"
 #include "CString.h"
+#include "DateEntry.h"
 #include "DateTime.h"
 #include "FileTime.h"
 #include "LocaleUtils.h"
