@@ -81,8 +81,8 @@ public:
     // The local date and time counted as if they were UTC; 0 when a half is missing; a date before 1970
     // leaves the output as it is. Wraps to 32 bits after 19 January 2038, 3:14:07: hosts store these numbers.
     void Get(int64& secondsSince1970) const noexcept;
-    // Status invalid when a half is missing or OLE dates have no such day (years below 100, 29 February
-    // 1500); the date is 0 in the first case and unchanged in the second.
+    // Status invalid and date 0 when a half is missing or OLE dates have no such day: years below 100, 29
+    // February 1500.
     void Get(COleDateTime& date) const noexcept;
 
     // ---- the parts; a missing date reads as 0, 0, 0, a missing time as 0, 0, -1

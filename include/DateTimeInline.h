@@ -5,6 +5,8 @@
 // the leap days that the centuries dropped; years, months and days then follow from the Julian count alone.
 #pragma once
 
+#include "DateTime.h"
+
 namespace DateTimeCalendar {
 
 inline constexpr int FirstYear = 1;
