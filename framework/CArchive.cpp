@@ -350,7 +350,7 @@ void CArchive::LoadWideText(CString& text, uint64 length)
 CArchive& CArchive::operator>>(std::string& text)
 {
     std::string_view shortText;
-    if (TakeShortText(shortText)) {
+    if (TakeBufferedText(shortText)) {
         text = shortText;
         return *this;
     }

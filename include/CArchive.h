@@ -120,13 +120,26 @@ public:
     CArchive& operator>>(CString& text)
     {
         std::string_view shortText;
-        if (TakeShortText(shortText)) [[likely]]
+        if (TakeBufferedText(shortText)) [[likely]]
             text = CString(shortText.data(), static_cast<int>(shortText.size()));
         else
             LoadLongText(text);
         return *this;
     }
     CArchive& operator>>(std::string& text);
+
+    // The next text without a copy, if its prefix is a single byte and all of it is in the buffer (most texts
+    // are like that); else the answer is false, nothing is taken, and operator>> loads it. The view holds
+    // until the next operation.
+    bool TakeBufferedText(std::string_view& text) noexcept
+    {
+        const std::ptrdiff_t ahead = m_loadLimit - m_current;
+        if (ahead <= 0 || *m_current == LongMark || ahead <= *m_current)
+            return false;
+        text = {reinterpret_cast<const char*>(m_current) + 1, *m_current};
+        m_current += 1 + text.size();
+        return true;
+    }
 
     // ---- the count of a byte array: one word below 0xFFFF, else a 32-bit, else a 64-bit count behind marks
     void WriteCount(uint64 count);
@@ -161,16 +174,6 @@ private:
                 std::swap(bytes[i], bytes[size - 1 - i]);
     }
 
-    // A text whose prefix is a single byte and that lies in the buffer as a whole: the common case.
-    bool TakeShortText(std::string_view& text) noexcept
-    {
-        const std::ptrdiff_t ahead = m_loadLimit - m_current;
-        if (ahead <= 0 || *m_current == LongMark || ahead <= *m_current)
-            return false;
-        text = {reinterpret_cast<const char*>(m_current) + 1, *m_current};
-        m_current += 1 + text.size();
-        return true;
-    }
     CArchive& StoreText(std::string_view text)
     {
         const auto room = m_storeLimit - m_current;

@@ -123,6 +123,7 @@ struct PlainValue {
 // the texts as encrypted-string records.
 struct ProtectedValue {
     void operator()(CArchive& archive, CString& text) const { LoadProtectedString(archive, text); }
+    void operator()(CArchive& archive, TextArray& texts) const { texts.Serialize(archive, true); }
     void operator()(CArchive& archive, int& value) const { archive >> value; }
 };
 
@@ -157,31 +158,31 @@ inline void StoreElements(CArchive& archive, const std::vector<bool>& list)
         archive << element;
 }
 
+// A new element. Plain texts are nearly always made straight from the archive's buffer.
+template <class Element, class LoadOne>
+Element Loaded(CArchive& archive, LoadOne loadOne)
+{
+    if constexpr (OneOf<Element, CString> && OneOf<LoadOne, PlainValue>)
+        if (std::string_view text; archive.TakeBufferedText(text))
+            return CString(text.data(), static_cast<int>(text.size()));
+    Element element{};
+    loadOne(archive, element);
+    return element;
+}
+
 template <class Element, class LoadOne>
 void LoadElements(CArchive& archive, std::vector<Element>& list, std::size_t count, LoadOne loadOne)
 {
+    if constexpr (OneOf<Element, CString, std::string>) // texts are replaced where they stand
+        if (count == list.size()) {
+            for (Element& element : list)
+                loadOne(archive, element);
+            return;
+        }
     list.clear();
     ReserveLikely(archive, list, count);
-    for (std::size_t i = 0; i < count; ++i) {
-        Element element{};
-        loadOne(archive, element);
-        list.push_back(std::move(element));
-    }
-}
-
-template <class Text, class LoadOne>
-requires OneOf<Text, CString, std::string>
-void LoadElements(CArchive& archive, std::vector<Text>& list, std::size_t count, LoadOne loadOne)
-{
-    if (count != list.size()) {
-        list.clear();
-        ReserveLikely(archive, list, count);
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-        if (i == list.size())
-            list.emplace_back();
-        loadOne(archive, list[i]);
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        list.push_back(Loaded<Element>(archive, loadOne));
 }
 
 // Numbers move in blocks that stay in the processor's cache between being made and being filled.
@@ -212,22 +213,16 @@ requires requires
 void LoadElements(CArchive& archive, Set& set, std::size_t count, LoadOne loadOne)
 {
     set.clear();
-    for (std::size_t i = 0; i < count; ++i) {
-        typename Set::key_type element;
-        loadOne(archive, element);
-        set.insert(set.end(), std::move(element));
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        set.insert(set.end(), Loaded<typename Set::key_type>(archive, loadOne));
 }
 template <class Key, class Value, class Order, class LoadOne>
 void LoadElements(CArchive& archive, std::map<Key, Value, Order>& map, std::size_t count, LoadOne loadOne)
 {
     map.clear();
     for (std::size_t i = 0; i < count; ++i) {
-        Key key{};
-        loadOne(archive, key);
-        Value value{};
-        loadOne(archive, value);
-        map.insert_or_assign(map.end(), std::move(key), std::move(value));
+        Key key = Loaded<Key>(archive, loadOne);
+        map.insert_or_assign(map.end(), std::move(key), Loaded<Value>(archive, loadOne));
     }
 }
 

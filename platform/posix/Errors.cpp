@@ -29,12 +29,14 @@ constexpr Pair Pairs[] = {
     {EISDIR, ERROR_ACCESS_DENIED, nullptr},
     {EBADF, ERROR_INVALID_HANDLE, "The handle is invalid."},
     {ENOMEM, ERROR_NOT_ENOUGH_MEMORY, "Not enough memory is available to process this command."},
+    {EXDEV, ERROR_NOT_SAME_DEVICE, "The system cannot move the file to a different disk drive."},
     {-1, ERROR_NO_MORE_FILES, "There are no more files."},
     {EWOULDBLOCK, ERROR_SHARING_VIOLATION,
      "The process cannot access the file because it is being used by another process."},
     {ETXTBSY, ERROR_SHARING_VIOLATION, nullptr},
     {-1, ERROR_FILE_EXISTS, "The file exists."},
     {EINVAL, ERROR_INVALID_PARAMETER, "The parameter is incorrect."},
+    {-1, ERROR_BUFFER_OVERFLOW, "The file name is too long."},
     {ENOSPC, ERROR_DISK_FULL, "There is not enough space on the disk."},
     {EDQUOT, ERROR_DISK_FULL, nullptr},
     {EFBIG, ERROR_DISK_FULL, nullptr},
@@ -42,9 +44,13 @@ constexpr Pair Pairs[] = {
     {ENAMETOOLONG, ERROR_INVALID_NAME, "The filename, directory name, or volume label syntax is incorrect."},
     {-1, ERROR_NEGATIVE_SEEK,
      "An attempt was made to move the file pointer before the beginning of the file."},
+    {ESPIPE, ERROR_SEEK_ON_DEVICE, "The file pointer cannot be set on the specified device or file."},
     {ENOTEMPTY, ERROR_DIR_NOT_EMPTY, "The directory is not empty."},
     {EEXIST, ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
     {-1, ERROR_DIRECTORY, "The directory name is invalid."},
+    {EFAULT, ERROR_NOACCESS, "Invalid access to memory location."},
+    {EIO, ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
+    {ELOOP, ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
 };
 
 } // namespace

@@ -1,0 +1,57 @@
+// A new empty folder for one test, removed with all that is in it.
+#pragma once
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+class TemporaryFolder {
+public:
+    TemporaryFolder()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "kvt01-test-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr)
+            throw std::system_error(errno, std::generic_category(), pattern);
+        m_path = pattern + '/';
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+
+    const std::string& Path() const { return m_path; } // ends with a separator
+    std::string Path(std::string_view name) const { return m_path + std::string(name); }
+
+    // Makes the file or replaces it, and says its path.
+    std::string Write(std::string_view name, std::string_view bytes) const
+    {
+        std::ofstream file(Path(name), std::ios::binary);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        return Path(name);
+    }
+    std::string Read(std::string_view name) const
+    {
+        std::ifstream file(Path(name), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+    bool Has(std::string_view name) const
+    {
+        return std::filesystem::exists(std::filesystem::symlink_status(Path(name)));
+    }
+    std::string MakeFolder(std::string_view name) const
+    {
+        std::filesystem::create_directories(Path(name));
+        return Path(name);
+    }
+
+private:
+    std::string m_path;
+};
