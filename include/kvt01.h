@@ -17,6 +17,7 @@
 #include "CString.h"
 #include "CStringArray.h"
 #include "CStringList.h"
+#include "DateEntry.h"
 #include "DateTime.h"
 #include "DirUtils.h"
 #include "FileTime.h"
