@@ -151,9 +151,8 @@ public:
     static bool MatchFirstChars(const CString& text, const CString& prefix, bool caseSensitive = true);
     static bool MatchLastChars(const CString& text, const CString& suffix, bool caseSensitive = true);
 
-    // Whether a name fits a file specification. These forms count; in all of them prefix and suffix match as
-    // above, and behind a first character that is no "*", further "*" and, where there is a "*", all "?" are
-    // ordinary characters.
+    // Whether a name fits a file specification, in one of these forms; prefix and suffix match as above. In a
+    // specification that has a "*" but does not begin with one, "?" and further "*" are ordinary characters.
     //   "" "*" "*?" "?*" "?*?" "*?*"   everything
     //   the name itself                ignoring case by the lower-case table
     //   "???"                          names of at most so many characters
