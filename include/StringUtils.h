@@ -1,8 +1,8 @@
 // StringUtils: character classes, orderings, searching and wildcard matching of narrow text.
 //
-// Everything here is static, allocates nothing it does not return, and never fails: input out of range gets
-// the neutral answer named with the operation. Characters taken from strings are signed: a byte of 128 or
-// more is never a letter, digit or space, and counts as 0 where case is ignored by the tables.
+// Everything here is static and never fails: input out of range gets the neutral answer named with the
+// operation. Characters taken from strings are signed: a byte of 128 or more is never a letter, digit or
+// space, and counts as 0 where case is ignored by the tables.
 #pragma once
 
 #include "CString.h"
@@ -22,7 +22,9 @@ public:
 
     // One entry for each byte value, by the rules of the "C" locale: ASCII letters, digits and white space (9
     // to 13 and 32) are non-zero in the class tables; only ASCII letters change in the case tables. They hold
-    // these values from the moment the library is mapped; no later change of the locale touches them.
+    // these values from the moment the library is mapped; no later change of the locale touches them. They
+    // are for reading: the searches have the same values built in and do not follow an entry that was
+    // changed.
     static int m_tableIsAlpha[256];
     static int m_tableIsDigit[256];
     static int m_tableIsSpace[256];
@@ -149,8 +151,8 @@ public:
     static bool MatchFirstChars(const CString& text, const CString& prefix, bool caseSensitive = true);
     static bool MatchLastChars(const CString& text, const CString& suffix, bool caseSensitive = true);
 
-    // Whether a name fits a file specification. These forms count; in all of them prefix and suffix match as
-    // above, and a "?" in them is an ordinary character where there is a "*" in the middle or at the end.
+    // Whether a name fits a file specification, in one of these forms; prefix and suffix match as above. In a
+    // specification that has a "*" but does not begin with one, "?" and further "*" are ordinary characters.
     //   "" "*" "*?" "?*" "?*?" "*?*"   everything
     //   the name itself                ignoring case by the lower-case table
     //   "???"                          names of at most so many characters
