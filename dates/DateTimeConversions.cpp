@@ -73,11 +73,6 @@ void DateTime::Get(int64& secondsSince1970) const noexcept
 
 void DateTime::Get(COleDateTime& date) const noexcept
 {
-    if (IsValid()) {
-        const Date day = ReadDate();
-        date.SetDateTime(day.year, day.month, day.day, GetHour(), GetMinute(), GetSecond());
-    } else {
-        date.m_dt = 0;
-        date.m_status = COleDateTime::invalid;
-    }
+    const Date day = ReadDate(); // parts of a missing half are out of range there
+    date = COleDateTime(day.year, day.month, day.day, GetHour(), GetMinute(), GetSecond());
 }

@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <iterator>
 #include <list>
+#include <utility>
 
 class POSITION {
 public:

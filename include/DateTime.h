@@ -2,7 +2,7 @@
 //
 // The two halves are valid or missing independently: a value may be a date alone, a time alone, or a moment.
 // The calendar is Julian up to 4 October 1582 and Gregorian after it. A setter that rejects its input leaves
-// the value as it was unless it says otherwise; nothing throws. Every operation takes constant time.
+// the value as it was unless it says otherwise; only Serialize throws. Every operation takes constant time.
 //
 // Two 32-bit numbers are stored:
 //   the day number     1 = 1 January 0001 ... MAXDAY = 31 December 9999, counting every day; 0 = no date
@@ -65,11 +65,14 @@ public:
 
     // ---- from other forms of a moment
     void Set(const std::tm& time) noexcept; // each half by itself
-    void
-    Set(const int64& secondsSince1970) noexcept; // UTC, taken as local time; failing that both are missing
-    void Set(const FILETIME& fileTime) noexcept; // the same, with the platform's rule for local file times
-    // The same parts; 29 February of 1500 and the like become their own Julian day. Both halves are missing
-    // unless the status is valid; both stay as they were when the date itself is out of range.
+    // A moment in UTC, taken as local time; both halves are missing when the platform cannot convert it
+    // (before 1970 or after the year 3000; a file time from 2^63 on). The local time of a moment goes by the
+    // offset in force then, that of a file time by the offset in force today.
+    void Set(const int64& secondsSince1970) noexcept;
+    void Set(const FILETIME& fileTime) noexcept;
+    // The same year, month and day, though OLE dates are Gregorian also before 1582, and the time to the
+    // nearest second. Both halves are missing unless the status is valid, and stay as they were when the date
+    // is out of range.
     void Set(const COleDateTime& date) noexcept;
 
     // ---- into other forms of a moment
@@ -81,8 +84,8 @@ public:
     // The local date and time counted as if they were UTC; 0 when a half is missing; a date before 1970
     // leaves the output as it is. Wraps to 32 bits after 19 January 2038, 3:14:07: hosts store these numbers.
     void Get(int64& secondsSince1970) const noexcept;
-    // Status invalid when a half is missing or OLE dates have no such day (years below 100, 29 February
-    // 1500); the date is 0 in the first case and unchanged in the second.
+    // Status invalid and date 0 when a half is missing or OLE dates have no such day: years below 100, 29
+    // February 1500.
     void Get(COleDateTime& date) const noexcept;
 
     // ---- the parts; a missing date reads as 0, 0, 0, a missing time as 0, 0, -1
@@ -111,11 +114,12 @@ public:
     int DaysFromDay1(int year, int month, int day) const noexcept;  // the day number
 
     // ---- the rule of the weekday: (year % 100 + month code + day + leap years + century code) % 7 + 1
-    int
-    GetCenturyCode(int century) const noexcept; // year / 100: 5, 4, 2, 0 in turn for 0..25; else -1, kept so
-    int GetMonthCode(int month) const noexcept; // 0 out of range
-    // Leap years from the century's first year (year / 100 * 100) to this year, which itself counts only from
-    // March on. Year 0 never counts.
+    // The century is year / 100. The code stops at 25, and all others get -1: kept, rules by weekday rely on
+    // it.
+    int GetCenturyCode(int century) const noexcept; // 5, 4, 2, 0 in turn
+    int GetMonthCode(int month) const noexcept;     // 0 out of range
+    // Leap years from the century's first year to this one, which itself does not count in January and
+    // February. Year 0 never counts, and years out of range give 0.
     int GetCenturyLeapYearCount(int year, int month) const noexcept;
 
     // ---- arithmetic; nothing happens when n is 0 or the half that it starts from is missing

@@ -23,8 +23,8 @@ inline constexpr unsigned DaysPerFourCenturies = 100 * DaysPerFourYears - 3; // 
 inline constexpr unsigned DaysPerFiveMonths = 31 + 30 + 31 + 30 + 31;
 inline constexpr unsigned DaysFromMarchToNewYear = 2 * DaysPerFiveMonths; // March to July, August to December
 
-inline constexpr int SwitchYear =
-    1582; // in October to the Gregorian calendar: the 4th was followed by the 15th
+// The switch to the Gregorian calendar: 4 October 1582 was followed by the 15th.
+inline constexpr int SwitchYear = 1582;
 inline constexpr int SwitchMonth = 10;
 inline constexpr int FirstDayAfterSwitch = 15;
 inline constexpr int DaysSkipped = 10;
@@ -50,6 +50,7 @@ constexpr unsigned MonthOfDay(unsigned days) noexcept
 {
     return (535 * days + 331) / 16384; // (5 * days + 2) / 153 for 0..365
 }
+// Both against the divisions, for every day of a year.
 constexpr bool MonthsHaveTheirLengths() noexcept
 {
     unsigned month = 0;

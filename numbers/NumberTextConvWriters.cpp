@@ -2,7 +2,6 @@
 #include "NumberTextConv.h"
 
 #include <charconv>
-#include <cstring>
 
 #include "CByteArray.h"
 #include "numbers/Separators.h"
@@ -10,16 +9,19 @@
 
 namespace {
 
-constexpr std::size_t MaxDigits = 21;   // of 64 bits, with sign and NUL
-constexpr std::size_t MaxSeparator = 4; // characters that are handed to the platform
-constexpr std::size_t GroupedRoom =
-    256; // 20 digits, a separator at each of them and an empty group here and there
+constexpr std::size_t MaxDigits = 21;    // of 64 bits, with sign and NUL
+constexpr std::size_t MaxSeparator = 4;  // characters that are handed to the platform
+constexpr std::size_t GroupedRoom = 256; // 20 digits with a separator at each, and some empty groups
 
-void CopySeparator(const CString& separator, char (&copy)[MaxSeparator + 1])
-{
-    std::strncpy(copy, separator.GetString(), MaxSeparator);
-    copy[MaxSeparator] = '\0';
-}
+// Its first characters in memory of our own, as the platform wants them.
+struct SeparatorCopy {
+    explicit SeparatorCopy(const CString& separator)
+    {
+        for (std::size_t i = 0; i < MaxSeparator; ++i)
+            text[i] = separator[i]; // NUL behind the end
+    }
+    char text[MaxSeparator + 1] = {};
+};
 
 UINT NegativeOrder()
 {
@@ -28,18 +30,18 @@ UINT NegativeOrder()
     return order;
 }
 
+constexpr std::string_view ListSeparator = ", "; // between the bytes of an array
+
 // The digits in the user's form; as they are where the platform refuses, as with a form that it does not
 // know.
 CString Grouped(const char* digits, int length)
 {
-    char decimal[MaxSeparator + 1];
-    char thousands[MaxSeparator + 1];
-    CopySeparator(Separators::Decimal(), decimal);
-    CopySeparator(Separators::Thousands(), thousands);
+    SeparatorCopy decimal(Separators::Decimal());
+    SeparatorCopy thousands(Separators::Thousands());
     NUMBERFMTA format{};
     format.Grouping = LocaleUtils::GetDigitGrouping();
-    format.lpDecimalSep = decimal;
-    format.lpThousandSep = thousands;
+    format.lpDecimalSep = decimal.text;
+    format.lpThousandSep = thousands.text;
     format.NegativeOrder = digits[0] == '-' ? NegativeOrder() : 0; // only a negative number has one
     char text[GroupedRoom];
     const int written = GetNumberFormatA(LOCALE_USER_DEFAULT, 0, digits, &format, text, sizeof text);
@@ -74,22 +76,16 @@ CString Padded(const CString& text, int minWidth, const CString& pad)
 
 CString NumberTextConv::NumberToString(int value, bool grouped, int minWidth, const CString& pad)
 {
-    CString text = TextOf(value, grouped);
-    if (pad.IsEmpty() || text.GetLength() >= minWidth)
-        return text;
-    return Padded(text, minWidth, pad);
+    if (pad.IsEmpty() || minWidth <= 1) // the usual case: nothing to pad
+        return TextOf(value, grouped);
+    const CString text = NumberToString(value, grouped);
+    return text.GetLength() < minWidth ? Padded(text, minWidth, pad) : text;
 }
 
 CString NumberTextConv::NumberToString(uint64 value, bool grouped)
 {
     return TextOf(value, grouped);
 }
-
-namespace {
-
-constexpr std::string_view ListSeparator = ", ";
-
-} // namespace
 
 void NumberTextConv::ConvertByteArrayToString(const CByteArray& bytes, CString& out)
 {

@@ -188,11 +188,10 @@ struct KeyBytes {
 
 KeyBytes KeyOf(const CString& name, bool caseSensitive)
 {
-    std::string room(FileNameKeys::MaxSize(static_cast<std::size_t>(name.GetLength())), '\0');
-    auto* const begin = reinterpret_cast<unsigned char*>(room.data());
-    const FileNameKeys::Key key = FileNameKeys(caseSensitive).Write(name, begin);
-    room.resize(static_cast<std::size_t>(key.end - begin));
-    return {room, key.isWhole};
+    const FileNameOrder::Pieces pieces = FileNameOrder::Split(name);
+    std::vector<unsigned char> room(FileNameKeys::MaxSize(pieces));
+    const FileNameKeys::Key key = FileNameKeys(caseSensitive).Write(pieces, room.data());
+    return {std::string(room.data(), key.end), key.isWhole};
 }
 
 // The rule's answer is the model's; keys say the same where they differ before their end, or are whole (then

@@ -260,7 +260,7 @@ TEST_F(Registry, ReplacesAValueAsAWhole)
     Set(key, "v", texts[0]);
     std::atomic<bool> isDone = false;
     std::thread writer([&] {
-        for (int i = 0; i < 300; ++i)
+        for (int i = 0; i < 100; ++i)
             EXPECT_EQ(Set(key, "v", texts[i % 2]), 0);
         isDone = true;
     });

@@ -113,7 +113,7 @@ TEST(TextArraySort, OrdersLargeArraysInEveryState)
     std::mt19937 random(7);
     std::vector<std::string> texts;
     for (int i = 0; i < 5000; ++i)
-        texts.push_back("C:\\" + std::string(random() % 60, 'f') + "\\" + std::string(random() % 30, 'n') +
+        texts.push_back("C:\\" + std::string(random() % 300, 'f') + "\\" + std::string(random() % 30, 'n') +
                         std::to_string(random() % 300) + (random() % 2 ? ".txt" : ".TXT"));
     for (const Order& order : AllOrders()) {
         std::stable_sort(texts.begin(), texts.end(), order);

@@ -158,14 +158,20 @@ FileNameOrder::Pieces FileNameOrder::Split(const CString& path)
 {
     const char* const text = path;
     const char* const end = text + path.GetLength();
-    const char* dot = nullptr;
-    const char* first = end;
-    for (; first != text && !PathParts::IsSeparator(first[-1]); --first)
-        if (dot == nullptr && first[-1] == '.')
-            dot = first - 1;
-    return {std::string_view(text, static_cast<std::size_t>(first - text)),
-            std::string_view(first, static_cast<std::size_t>((dot == nullptr ? end : dot) - first)),
-            dot == nullptr ? end : dot + 1};
+    const auto size = static_cast<std::size_t>(end - text);
+    const bool hasFolder =
+        std::memchr(text, '\\', size) != nullptr || std::memchr(text, '/', size) != nullptr;
+    const char* first = hasFolder ? end : text; // most names have none, and are not walked
+    while (first != text && !PathParts::IsSeparator(first[-1]))
+        --first;
+    const char* behindDot = end;
+    while (behindDot != first && behindDot[-1] != '.')
+        --behindDot;
+    const bool hasDot = behindDot != first;
+    const char* const baseEnd = hasDot ? behindDot - 1 : end;
+    return {{text, static_cast<std::size_t>(first - text)},
+            {first, static_cast<std::size_t>(baseEnd - first)},
+            hasDot ? behindDot : end};
 }
 
 int FileNameOrder::Compare(const CString& a, const CString& b, bool caseSensitive)
@@ -197,24 +203,25 @@ FileNameKeys::FileNameKeys(bool caseSensitive)
     m_isUsable = TablesAreAsAtLoad() && !IsDigit(point) && !IsDigit(thousands) && !IsDigit(m_decimal);
 }
 
-FileNameKeys::Key FileNameKeys::Write(const CString& path, unsigned char* out) const
+FileNameKeys::Key FileNameKeys::Write(const FileNameOrder::Pieces& name, unsigned char* out) const
 {
     if (!m_isUsable)
         return {out, false};
-    const FileNameOrder::Pieces name = FileNameOrder::Split(path);
+    const unsigned char* const codes = m_codes;
     const char* at = name.base.data();
     const char* const end = at + name.base.size();
     while (at != end) {
-        const unsigned char code = m_codes[static_cast<unsigned char>(*at)];
+        const unsigned char code = codes[static_cast<unsigned char>(*at)];
         if (code != 0) {
             *out++ = code;
             ++at;
             continue;
         }
-        const Key number = WriteNumber(at, end, out);
-        if (!number.isWhole)
+        const Place behind = WriteNumber({at, out}, end);
+        if (behind.at == nullptr)
             return {out, false};
-        out = number.end;
+        at = behind.at;
+        out = behind.out;
     }
     *out++ = 0;
     for (const char* c = name.extension; *c != '\0'; ++c)
@@ -222,66 +229,70 @@ FileNameKeys::Key FileNameKeys::Write(const CString& path, unsigned char* out) c
     return {out, true};
 }
 
-FileNameKeys::Key FileNameKeys::WriteNumber(const char*& at, const char* end, unsigned char* out) const
+FileNameKeys::Place FileNameKeys::WriteNumber(Place place, const char* end) const
 {
-    const char* const first = at;
+    const char* const first = place.at;
+    const char* at = first;
     std::uint64_t value = 0;
     for (; at != end && IsDigitAtLoad(*at) && at - first <= MaxPlainDigits; ++at)
         value = value * 10 + static_cast<std::uint64_t>(*at - '0');
-    const bool isOverlong = at - first > MaxPlainDigits;
-    if (isOverlong || (at != end && m_hasDecimal && *at == m_decimal)) {
-        const Key key = isOverlong ? WriteWide(first, at, end, out) : WriteDecimal(value, at, end, out);
-        return key.isWhole ? WriteLength(at - first, at, end, key.end) : key;
+    place.at = at;
+    if (at - first > MaxPlainDigits)
+        return WriteWide(place, end, first);
+    if (at != end && m_hasDecimal && *at == m_decimal) {
+        place = WriteDecimal(place, end, value);
+        return place.at == nullptr ? place : WriteLength(place, end, place.at - first);
     }
-    out = WriteScaled(out, m_numbers, value * 100);
+    place.out = WriteScaled(place.out, m_numbers, value * 100);
     const bool hasLeadingZero = *first == '0' && at - first > 1;
-    return hasLeadingZero ? WriteLength(at - first, at, end, out) : Key{out, true};
+    return hasLeadingZero ? WriteLength(place, end, at - first) : place;
 }
 
-// Moves `at` behind a number that continues with a decimal separator. Several separators begin the decimals
-// anew and all decimals add up; a third decimal other than 0 is too near to the tolerance.
-FileNameKeys::Key FileNameKeys::WriteDecimal(std::uint64_t integer, const char*& at, const char* end,
-                                             unsigned char* out) const
+// Of a number that continues with a decimal separator. Several separators begin the decimals anew and all
+// decimals add up; a third decimal other than 0 is too near to the tolerance.
+FileNameKeys::Place FileNameKeys::WriteDecimal(Place place, const char* end, std::uint64_t integer) const
 {
+    if (!m_isPoint || integer >= MaxScaledDecimal)
+        return {nullptr, place.out};
     std::uint64_t hundredths = integer * 100;
     std::uint64_t unit = 0;
-    if (!m_isPoint || integer >= MaxScaledDecimal)
-        return {out, false};
-    for (; at != end && (IsDigitAtLoad(*at) || *at == m_decimal); ++at) {
-        if (*at == m_decimal) {
+    for (; place.at != end && (IsDigitAtLoad(*place.at) || *place.at == m_decimal); ++place.at) {
+        if (*place.at == m_decimal) {
             unit = 10;
             continue;
         }
-        if (unit == 0 && *at != '0')
-            return {out, false};
-        hundredths += unit * static_cast<std::uint64_t>(*at - '0');
+        if (unit == 0 && *place.at != '0')
+            return {nullptr, place.out};
+        hundredths += unit * static_cast<std::uint64_t>(*place.at - '0');
         unit /= 10;
     }
-    return {WriteScaled(out, m_numbers, hundredths), true};
+    return {place.at, WriteScaled(place.out, m_numbers, hundredths)};
 }
 
-// Moves `at` behind a number of many digits that began at `first`.
-FileNameKeys::Key FileNameKeys::WriteWide(const char* first, const char*& at, const char* end,
-                                          unsigned char* out) const
+// Of a number of many digits that began at `first`.
+FileNameKeys::Place FileNameKeys::WriteWide(Place place, const char* end, const char* first) const
 {
-    while (at != end && IsDigitAtLoad(*at))
-        ++at;
-    if (at - first > MaxLength || (at != end && m_hasDecimal && *at == m_decimal))
-        return {out, false};
-    const double value = ValueOf({first, static_cast<std::size_t>(at - first)});
-    if (value < MaxScaledInteger)
-        return {WriteScaled(out, m_numbers, static_cast<std::uint64_t>(value) * 100), true};
-    *out++ = static_cast<unsigned char>(m_numbers + WideNumber);
-    return {WriteBigEndian(out, std::bit_cast<std::uint64_t>(value)), true};
+    while (place.at != end && IsDigitAtLoad(*place.at))
+        ++place.at;
+    const std::ptrdiff_t length = place.at - first;
+    if (length > MaxLength || (place.at != end && m_hasDecimal && *place.at == m_decimal))
+        return {nullptr, place.out};
+    const double value = ValueOf({first, static_cast<std::size_t>(length)});
+    if (value < MaxScaledInteger) {
+        place.out = WriteScaled(place.out, m_numbers, static_cast<std::uint64_t>(value) * 100);
+    } else {
+        *place.out++ = static_cast<unsigned char>(m_numbers + WideNumber);
+        place.out = WriteBigEndian(place.out, std::bit_cast<std::uint64_t>(value));
+    }
+    return WriteLength(place, end, length);
 }
 
-FileNameKeys::Key FileNameKeys::WriteLength(std::ptrdiff_t length, const char* at, const char* end,
-                                            unsigned char* out) const
+FileNameKeys::Place FileNameKeys::WriteLength(Place place, const char* end, std::ptrdiff_t length) const
 {
     if (length > MaxLength)
-        return {out, false};
-    const bool isHighNext = at != end && m_codes[static_cast<unsigned char>(*at)] > m_numbers;
-    *out++ = m_numbers;
-    *out++ = static_cast<unsigned char>(isHighNext ? 255 - length : length);
-    return {out, true};
+        return {nullptr, place.out};
+    const bool isHighNext = place.at != end && m_codes[static_cast<unsigned char>(*place.at)] > m_numbers;
+    *place.out++ = m_numbers;
+    *place.out++ = static_cast<unsigned char>(isHighNext ? 255 - length : length);
+    return place;
 }

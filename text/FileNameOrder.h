@@ -8,11 +8,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace FileNameOrder {
 
-// A path cut as PathParts cuts it, in one walk from its end.
+// A path cut as PathParts cuts it, but quickly.
 struct Pieces {
     std::string_view folder; // with its separator
     std::string_view base;
@@ -54,17 +55,26 @@ public:
 
     explicit FileNameKeys(bool caseSensitive);
 
-    // The most bytes that `Write` touches for a path of so many characters.
-    static constexpr std::size_t MaxSize(std::size_t length) { return 3 * length + 16; }
+    // The most bytes that `Write` touches.
+    static std::size_t MaxSize(const FileNameOrder::Pieces& name)
+    {
+        return 3 * name.base.size() + std::char_traits<char>::length(name.extension) + 16;
+    }
     // Two whole keys compare (the shorter one first) as the rule does. So do any two keys that differ before
     // either one ends.
-    Key Write(const CString& path, unsigned char* out) const;
+    Key Write(const FileNameOrder::Pieces& name, unsigned char* out) const;
 
 private:
-    Key WriteNumber(const char*& at, const char* end, unsigned char* out) const;
-    Key WriteDecimal(std::uint64_t integer, const char*& at, const char* end, unsigned char* out) const;
-    Key WriteWide(const char* first, const char*& at, const char* end, unsigned char* out) const;
-    Key WriteLength(std::ptrdiff_t length, const char* at, const char* end, unsigned char* out) const;
+    // How far the name was read and the key written; `at` is null behind a number that bytes cannot express.
+    struct Place {
+        const char* at;
+        unsigned char* out;
+    };
+
+    Place WriteNumber(Place place, const char* end) const;
+    Place WriteDecimal(Place place, const char* end, std::uint64_t integer) const;
+    Place WriteWide(Place place, const char* end, const char* first) const;
+    Place WriteLength(Place place, const char* end, std::ptrdiff_t length) const;
 
     const unsigned char* m_codes;    // of a character in a base name; 0 for a digit
     unsigned char m_numbers;         // the first of the nine codes for numbers

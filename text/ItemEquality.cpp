@@ -36,9 +36,8 @@ bool IsSpace(char c)
 
 } // namespace
 
-std::string_view ComparedFolder(const CString& path)
+std::string_view ComparedFolder(std::string_view folder)
 {
-    std::string_view folder = FileNameOrder::Split(path).folder;
     while (!folder.empty() && IsSpace(folder.back()))
         folder.remove_suffix(1);
     while (!folder.empty() && IsSpace(folder.front()))
@@ -50,7 +49,8 @@ std::string_view ComparedFolder(const CString& path)
 
 bool TextArray::AreDirsEqual(const CString& a, const CString& b, bool caseSensitive)
 {
-    return AreTextsEqual(ComparedFolder(a), ComparedFolder(b), caseSensitive);
+    return AreTextsEqual(ComparedFolder(FileNameOrder::Split(a).folder),
+                         ComparedFolder(FileNameOrder::Split(b).folder), caseSensitive);
 }
 
 bool TextArray::AreFilesEqual(const CString& a, const CString& b, bool caseSensitive)
@@ -93,6 +93,7 @@ std::uint64_t ItemEquality::HashOf(const CString& item) const
     const auto pieces = FileNameOrder::Split(item);
     const std::uint64_t name = HashText(UntilNul(pieces.base), m_folding);
     const std::uint64_t file = HashText(pieces.extension, m_folding, name);
-    return m_content == TextArray::ContentPaths ? HashText(UntilNul(ComparedFolder(item)), m_folding, file)
-                                                : file;
+    return m_content == TextArray::ContentPaths
+               ? HashText(UntilNul(ComparedFolder(pieces.folder)), m_folding, file)
+               : file;
 }

@@ -7,8 +7,8 @@
 #include "TextArray.h"
 #include "text/PackedText.h"
 
-// A path's folder as it is compared: without white space around it, and without one separator at its end.
-std::string_view ComparedFolder(const CString& path);
+// What is compared of a path's folder: without white space around it, then without one separator at its end.
+std::string_view ComparedFolder(std::string_view folder);
 
 class ItemEquality {
 public:

@@ -7,16 +7,17 @@
 namespace {
 
 constexpr std::size_t BlockSize = 8;
-constexpr std::size_t MaxCompared = 200; // longer ranges are worth counting into 256 places
+constexpr std::size_t MaxCompared = 24; // longer ranges are worth counting into 256 places
 
 } // namespace
 
 KeySort::KeySort(const std::vector<std::string_view>& keys, const PackedText::CaseFolding& folding,
                  bool ascending)
-    : m_keys(keys), m_folding(folding), m_flip(ascending ? 0 : ~std::uint64_t{0}), m_entries(keys.size())
+    : m_keys(keys), m_folding(folding), m_flip(ascending ? 0 : ~std::uint64_t{0})
 {
+    m_entries.reserve(keys.size());
     for (std::size_t i = 0; i < keys.size(); ++i)
-        m_entries[i] = {BlockAt(i, 0), i};
+        m_entries.push_back({BlockAt(i, 0), i});
 }
 
 std::uint64_t KeySort::BlockAt(std::size_t index, std::size_t depth) const
@@ -53,9 +54,15 @@ bool KeySort::IsReversed() const
     return i >= m_keys.size();
 }
 
-const std::vector<KeySort::Entry>& KeySort::Sort()
+std::vector<KeySort::Entry> KeySort::Sort()
 {
-    m_spare.resize(m_entries.size());
+    if (IsSorted())
+        return std::move(m_entries);
+    if (IsReversed()) {
+        std::reverse(m_entries.begin(), m_entries.end());
+        return std::move(m_entries);
+    }
+    m_spare = std::make_unique_for_overwrite<Entry[]>(m_entries.size());
     std::vector<Group> groups = {{0, m_entries.size(), 0}};
     while (!groups.empty()) {
         const Group group = groups.back();
@@ -65,7 +72,7 @@ const std::vector<KeySort::Entry>& KeySort::Sort()
         SortBlocks(group.first, group.last, 56);
         FindGroups(group, groups);
     }
-    return m_entries;
+    return std::move(m_entries);
 }
 
 void KeySort::LoadBlocks(const Group& group)
@@ -79,9 +86,7 @@ void KeySort::SortBlocks(std::size_t first, std::size_t last, int shift)
 {
     if (last - first <= MaxCompared) {
         const auto isBefore = [](const Entry& a, const Entry& b) { return a.block < b.block; };
-        const auto begin = m_entries.begin();
-        std::sort(begin + static_cast<std::ptrdiff_t>(first), begin + static_cast<std::ptrdiff_t>(last),
-                  isBefore);
+        std::sort(m_entries.data() + first, m_entries.data() + last, isBefore);
         return;
     }
     std::array<std::size_t, 256> ends{};
@@ -96,8 +101,7 @@ void KeySort::SortBlocks(std::size_t first, std::size_t last, int shift)
             next += std::exchange(end, next);
         for (std::size_t i = first; i < last; ++i)
             m_spare[place(i)++] = m_entries[i];
-        std::copy_n(m_spare.begin() + static_cast<std::ptrdiff_t>(first), last - first,
-                    m_entries.begin() + static_cast<std::ptrdiff_t>(first));
+        std::copy(m_spare.get() + first, m_spare.get() + last, m_entries.data() + first);
     } else {
         ends.fill(last);
     }

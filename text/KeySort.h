@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -19,16 +20,17 @@ public:
     KeySort(const std::vector<std::string_view>& keys, const PackedText::CaseFolding& folding,
             bool ascending);
 
-    bool IsSorted() const;   // as the keys stand
-    bool IsReversed() const; // in the opposite order
-    // The indexes of the keys in order; called once. Linear in the bytes that tell the keys apart.
-    const std::vector<Entry>& Sort();
+    // The indexes of the keys in order; called once. Linear in the bytes that tell the keys apart, and one
+    // look at each key when they stand in order, or in the opposite one.
+    std::vector<Entry> Sort();
 
 private:
     struct Group { // entries whose keys are equal in front of `depth`; their blocks begin there
         std::size_t first, last, depth;
     };
 
+    bool IsSorted() const;
+    bool IsReversed() const;
     std::uint64_t BlockAt(std::size_t index, std::size_t depth) const;
     void LoadBlocks(const Group& group);
     int CompareNeighbours(std::size_t index) const;
@@ -39,5 +41,5 @@ private:
     PackedText::CaseFolding m_folding;
     std::uint64_t m_flip; // all ones for a descending order
     std::vector<Entry> m_entries;
-    std::vector<Entry> m_spare;
+    std::unique_ptr<Entry[]> m_spare; // room for as many
 };

@@ -85,85 +85,108 @@ private:
     std::size_t m_left = 0;
 };
 
-// The places of the paths' folders in the order of folders; folders that compare equal share one. Each
-// different folder is looked at once.
-class FolderPlaces {
+// The different folders of an array of paths, byte by byte as they are compared; each is looked at once.
+class Folders {
 public:
-    FolderPlaces(const std::vector<CString>& paths, bool caseSensitive);
-
-    unsigned char* Write(std::size_t path, unsigned char* out) const
+    std::size_t NumberOf(std::string_view folder)
     {
-        for (int shift = 8 * (m_bytes - 1); shift >= 0; shift -= 8)
-            *out++ = static_cast<unsigned char>(m_places[m_folders[path]] >> shift);
-        return out;
+        const std::uint64_t hash = HashText(folder, m_folding);
+        const auto isSame = [&](std::size_t number) { return m_folders[number] == folder; };
+        const std::size_t number = m_index.FindOrAdd(hash, m_folders.size(), isSame);
+        if (number == m_folders.size())
+            Add(folder, hash);
+        return number;
     }
+    // For each number the folder's place in the order of folders; folders that compare equal share one.
+    std::vector<std::size_t> Places(bool caseSensitive) const;
 
 private:
-    std::vector<std::string_view> FindFolders(const std::vector<CString>& paths);
+    // There are far fewer folders than paths: the index starts small and grows.
+    void Add(std::string_view folder, std::uint64_t hash)
+    {
+        m_folders.push_back(folder);
+        m_hashes.push_back(hash);
+        if (m_folders.size() < m_room)
+            return;
+        m_room *= 4;
+        m_index = HashIndex(m_room);
+        for (std::size_t number = 0; number < m_hashes.size(); ++number)
+            m_index.FindOrAdd(m_hashes[number], number, [](std::size_t) { return false; });
+    }
 
-    std::vector<std::size_t> m_folders; // for each path: which of the different folders
-    std::vector<std::size_t> m_places;  // for each different folder
-    int m_bytes = 0;                    // that hold any place
+    PackedText::CaseFolding m_folding = PackedText::CaseFolding::Exact();
+    std::vector<std::string_view> m_folders;
+    std::vector<std::uint64_t> m_hashes;
+    std::size_t m_room = 64;
+    HashIndex m_index{m_room};
 };
 
-FolderPlaces::FolderPlaces(const std::vector<CString>& paths, bool caseSensitive)
+std::vector<std::size_t> Folders::Places(bool caseSensitive) const
 {
     struct Folder {
         CString text;
         std::size_t number;
     };
-    std::vector<Folder> folders;
-    for (const std::string_view folder : FindFolders(paths))
-        folders.push_back({CString(folder), folders.size()});
-    BoundedSort::Sort(folders, [=](const Folder& a, const Folder& b) {
+    std::vector<Folder> order;
+    for (const std::string_view folder : m_folders)
+        order.push_back({CString(folder), order.size()});
+    BoundedSort::Sort(order, [=](const Folder& a, const Folder& b) {
         return CompareFolders(a.text, b.text, caseSensitive) < 0;
     });
-    m_places.resize(folders.size());
+    std::vector<std::size_t> places(order.size());
     std::size_t place = 0;
-    for (std::size_t i = 0; i < folders.size(); ++i) {
-        if (i > 0 && CompareFolders(folders[i - 1].text, folders[i].text, caseSensitive) != 0)
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i > 0 && CompareFolders(order[i - 1].text, order[i].text, caseSensitive) != 0)
             ++place;
-        m_places[folders[i].number] = place;
+        places[order[i].number] = place;
     }
-    m_bytes = static_cast<int>(std::bit_width(place) + 7) / 8;
-}
-
-// The different folders, byte by byte, as they are compared.
-std::vector<std::string_view> FolderPlaces::FindFolders(const std::vector<CString>& paths)
-{
-    const auto folding = PackedText::CaseFolding::Exact();
-    std::vector<std::string_view> folders;
-    HashIndex index(paths.size());
-    m_folders.reserve(paths.size());
-    for (const CString& path : paths) {
-        const std::string_view folder = ComparedFolder(path);
-        const auto isSame = [&](std::size_t number) { return folders[number] == folder; };
-        m_folders.push_back(index.FindOrAdd(HashText(folder, folding), folders.size(), isSame));
-        if (m_folders.back() == folders.size())
-            folders.push_back(folder);
-    }
-    return folders;
+    return places;
 }
 
 struct NameKeys {
     KeyMemory memory;
     std::vector<std::string_view> keys;
     bool areWhole = true;
+
+    void Add(const FileNameKeys& writer, const FileNameOrder::Pieces& name, std::size_t bytesInFront)
+    {
+        unsigned char* const out = memory.Room(bytesInFront + FileNameKeys::MaxSize(name));
+        const FileNameKeys::Key key = writer.Write(name, out + bytesInFront);
+        keys.push_back(memory.Keep(key.end));
+        areWhole = areWhole && key.isWhole;
+    }
 };
 
-NameKeys MakeNameKeys(const std::vector<CString>& names, bool caseSensitive, const FolderPlaces* folders)
+NameKeys MakeFileKeys(const std::vector<CString>& names, bool caseSensitive)
 {
     NameKeys made;
     made.keys.reserve(names.size());
     const FileNameKeys writer(caseSensitive);
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        const auto length = static_cast<std::size_t>(names[i].GetLength());
-        unsigned char* out = made.memory.Room(sizeof(std::size_t) + FileNameKeys::MaxSize(length));
-        if (folders != nullptr)
-            out = folders->Write(i, out);
-        const FileNameKeys::Key key = writer.Write(names[i], out);
-        made.keys.push_back(made.memory.Keep(key.end));
-        made.areWhole = made.areWhole && key.isWhole;
+    for (const CString& name : names)
+        made.Add(writer, FileNameOrder::Split(name), 0);
+    return made;
+}
+
+// The folder's place, highest byte first, and the key of the name.
+NameKeys MakePathKeys(const std::vector<CString>& paths, bool caseSensitive)
+{
+    const auto placeBytes = static_cast<std::size_t>(std::bit_width(paths.size()) + 7) / 8;
+    NameKeys made;
+    made.keys.reserve(paths.size());
+    const FileNameKeys writer(caseSensitive);
+    Folders folders;
+    std::vector<std::size_t> numbers;
+    numbers.reserve(paths.size());
+    for (const CString& path : paths) {
+        const FileNameOrder::Pieces pieces = FileNameOrder::Split(path);
+        numbers.push_back(folders.NumberOf(ComparedFolder(pieces.folder)));
+        made.Add(writer, pieces, placeBytes);
+    }
+    const std::vector<std::size_t> places = folders.Places(caseSensitive);
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        char* const key = const_cast<char*>(made.keys[i].data()); // in the memory that was kept for it
+        for (std::size_t byte = 0; byte < placeBytes; ++byte)
+            key[byte] = static_cast<char>(places[numbers[i]] >> (8 * (placeBytes - 1 - byte)));
     }
     return made;
 }
@@ -171,29 +194,28 @@ NameKeys MakeNameKeys(const std::vector<CString>& names, bool caseSensitive, con
 // ---- sorting
 // ----------------------------------------------------------------------------------------------------------
 
-template <class Entry>
-void PlaceInOrder(std::vector<CString>& strings, const std::vector<Entry>& order)
+using Order = std::vector<KeySort::Entry>;
+
+void PlaceInOrder(std::vector<CString>& strings, const Order& order)
 {
+    std::size_t inPlace = 0;
+    std::size_t mirrored = 0;
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        inPlace += order[i].index == i ? 1 : 0;
+        mirrored += order[i].index == order.size() - 1 - i ? 1 : 0;
+    }
+    if (inPlace == order.size())
+        return;
+    if (mirrored == order.size())
+        return std::reverse(strings.begin(), strings.end());
     std::vector<CString> placed;
     placed.reserve(strings.size());
-    for (const Entry& entry : order)
+    for (const KeySort::Entry& entry : order)
         placed.push_back(std::move(strings[entry.index]));
     strings.swap(placed);
 }
 
-void SortByKeys(std::vector<CString>& strings, const std::vector<std::string_view>& keys,
-                const PackedText::CaseFolding& folding, bool ascending)
-{
-    KeySort sort(keys, folding, ascending);
-    if (sort.IsSorted())
-        return;
-    if (sort.IsReversed())
-        std::reverse(strings.begin(), strings.end());
-    else
-        PlaceInOrder(strings, sort.Sort());
-}
-
-void SortTexts(std::vector<CString>& texts, bool ascending, bool caseSensitive)
+Order OrderOfTexts(const std::vector<CString>& texts, bool ascending, bool caseSensitive)
 {
     std::vector<std::string_view> keys;
     keys.reserve(texts.size());
@@ -201,38 +223,45 @@ void SortTexts(std::vector<CString>& texts, bool ascending, bool caseSensitive)
         keys.emplace_back(text.GetString()); // up to the first NUL
     const auto folding =
         caseSensitive ? PackedText::CaseFolding::Exact() : PackedText::CaseFolding::Runtime();
-    SortByKeys(texts, keys, folding, ascending);
+    return KeySort(keys, folding, ascending).Sort();
 }
 
 // By the keys as far as they go, then by the rule.
-void SortByRule(std::vector<CString>& names, const std::vector<std::string_view>& keys, bool ascending,
-                bool caseSensitive)
+Order OrderByRule(const std::vector<CString>& names, const std::vector<std::string_view>& keys,
+                  bool ascending, bool caseSensitive)
 {
-    struct Item {
-        std::size_t index;
-    };
     const auto compare = [&](std::size_t a, std::size_t b) {
         const std::size_t common = std::min(keys[a].size(), keys[b].size());
         const int bytes = std::memcmp(keys[a].data(), keys[b].data(), common);
         return bytes != 0 ? bytes : FileNameOrder::Compare(names[a], names[b], caseSensitive);
     };
-    std::vector<Item> order(names.size());
+    Order order(names.size());
     for (std::size_t i = 0; i < order.size(); ++i)
         order[i].index = i;
-    BoundedSort::Sort(order, [&](const Item& a, const Item& b) {
+    BoundedSort::Sort(order, [&](const KeySort::Entry& a, const KeySort::Entry& b) {
         const int result = compare(a.index, b.index);
         return ascending ? result < 0 : result > 0;
     });
-    PlaceInOrder(names, order);
+    return order;
 }
 
-void SortNames(std::vector<CString>& names, bool ascending, bool caseSensitive, const FolderPlaces* folders)
+Order OrderOfNames(const std::vector<CString>& names, const NameKeys& made, bool ascending,
+                   bool caseSensitive)
 {
-    const NameKeys made = MakeNameKeys(names, caseSensitive, folders);
-    if (made.areWhole)
-        SortByKeys(names, made.keys, PackedText::CaseFolding::Exact(), ascending);
-    else
-        SortByRule(names, made.keys, ascending, caseSensitive);
+    if (!made.areWhole)
+        return OrderByRule(names, made.keys, ascending, caseSensitive);
+    return KeySort(made.keys, PackedText::CaseFolding::Exact(), ascending).Sort();
+}
+
+// The keys are gone again when these return: the strings are moved into the memory that held them.
+Order OrderOfPaths(const std::vector<CString>& paths, bool ascending, bool caseSensitive)
+{
+    return OrderOfNames(paths, MakePathKeys(paths, caseSensitive), ascending, caseSensitive);
+}
+
+Order OrderOfFiles(const std::vector<CString>& paths, bool ascending, bool caseSensitive)
+{
+    return OrderOfNames(paths, MakeFileKeys(paths, caseSensitive), ascending, caseSensitive);
 }
 
 } // namespace
@@ -246,7 +275,8 @@ bool TextArray::SortCompareItems(const CString& a, const CString& b, bool ascend
 
 int TextArray::CompareDirs(const CString& a, const CString& b, bool caseSensitive)
 {
-    return CompareFolders(CString(ComparedFolder(a)), CString(ComparedFolder(b)), caseSensitive);
+    return CompareFolders(CString(ComparedFolder(FileNameOrder::Split(a).folder)),
+                          CString(ComparedFolder(FileNameOrder::Split(b).folder)), caseSensitive);
 }
 
 int TextArray::CompareFiles(const CString& a, const CString& b, bool caseSensitive)
@@ -267,18 +297,13 @@ void TextArray::Sort(bool ascending, bool caseSensitive, Content content)
     FillDecimalSeparator();
     switch (content) {
     case ContentText:
-        SortTexts(m_strings, ascending, caseSensitive);
-        break;
-    case ContentPaths: {
-        const FolderPlaces folders(m_strings, caseSensitive);
-        SortNames(m_strings, ascending, caseSensitive, &folders);
-        break;
-    }
+        return PlaceInOrder(m_strings, OrderOfTexts(m_strings, ascending, caseSensitive));
+    case ContentPaths:
+        return PlaceInOrder(m_strings, OrderOfPaths(m_strings, ascending, caseSensitive));
     case ContentFiles:
-        SortNames(m_strings, ascending, caseSensitive, nullptr);
-        break;
+        return PlaceInOrder(m_strings, OrderOfFiles(m_strings, ascending, caseSensitive));
     default: // nothing comes before anything
-        break;
+        return;
     }
 }
 

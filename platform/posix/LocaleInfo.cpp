@@ -35,7 +35,7 @@ public:
             if (environ[i] != m_entries[i])
                 return false;
         for (const Variable& variable : m_variables)
-            if (variable.current != nullptr && variable.value != variable.current)
+            if (variable.current != nullptr && std::strcmp(variable.value.c_str(), variable.current) != 0)
                 return false;
         return true;
     }

@@ -16,21 +16,24 @@ struct Number {
 
 constexpr std::size_t MaxFormatted = 0x7FFFFFFF; // a length that the result can tell
 
-bool IsAllDigits(std::string_view text)
+// How many characters at the front are digits.
+std::size_t DigitsAtFront(std::string_view text)
 {
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isDigit) - text.begin());
 }
 
 bool Parse(std::string_view text, Number& number)
 {
     number.isNegative = text.starts_with('-');
     text.remove_prefix(number.isNegative ? 1 : 0);
-    const std::size_t point = std::min(text.find('.'), text.size());
-    number.whole = text.substr(0, point);
-    number.fraction = text.substr(std::min(point + 1, text.size()));
-    if (!IsAllDigits(number.whole) || !IsAllDigits(number.fraction))
+    number.whole = text.substr(0, DigitsAtFront(text));
+    text.remove_prefix(number.whole.size());
+    number.fraction = text.substr(text.starts_with('.') ? 1 : 0);
+    if (DigitsAtFront(number.fraction) != number.fraction.size())
         return false;
-    number.whole.remove_prefix(std::min(number.whole.find_first_not_of('0'), number.whole.size()));
+    while (number.whole.starts_with('0'))
+        number.whole.remove_prefix(1);
     return true;
 }
 
@@ -89,18 +92,19 @@ public:
     explicit Writer(char* end) : m_at(end) {}
     void Put(std::string_view text)
     {
-        m_at -= text.size();
-        std::memcpy(m_at, text.data(), text.size());
+        if (text.size() == 1) // the usual separator
+            *--m_at = text[0];
+        else if (!text.empty())
+            std::memcpy(m_at -= text.size(), text.data(), text.size());
     }
     void PutGrouped(std::string_view digits, const Groups& groups, std::string_view separator)
     {
-        for (std::size_t group = 0;; ++group) {
-            const std::size_t size = groups.Size(group, digits.size());
-            Put(digits.substr(digits.size() - size));
-            digits.remove_suffix(size);
-            if (digits.empty())
-                return;
-            Put(separator);
+        std::size_t group = 0;
+        std::size_t left = groups.Size(group, digits.size());
+        for (std::size_t rest = digits.size(); rest > 0; --rest, --left) {
+            for (; left == 0; left = groups.Size(++group, rest)) // an empty group puts two together
+                Put(separator);
+            *--m_at = digits[rest - 1];
         }
     }
 

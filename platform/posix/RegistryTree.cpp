@@ -16,8 +16,9 @@
 
 namespace {
 
-constexpr std::size_t MaxNameBytes = 255; // the NAME_MAX of the usual file systems
-constexpr std::size_t MaxKept = 256;      // answers held in memory
+constexpr std::size_t MaxNameBytes = 255;         // the NAME_MAX of the usual file systems
+constexpr std::size_t MaxKept = 256;              // answers held in memory
+constexpr std::string_view Special("/%\\.\0", 5); // characters of names that have to be looked at
 
 std::atomic<unsigned int> generation = 0;
 
@@ -89,11 +90,12 @@ bool AppendName(std::string& path, std::string_view name, RegistryTree::NameOf k
 {
     if (name.size() > MaxNameBytes)
         return false;
-    const std::string escaped = RegistryTree::EscapedName(name, kind);
+    const bool isUsual = name.find_first_of(Special) == std::string_view::npos && !name.empty();
+    const std::string escaped = isUsual ? std::string() : RegistryTree::EscapedName(name, kind);
     if (escaped.size() > MaxNameBytes)
         return false;
     path += '/';
-    path += escaped;
+    path += isUsual ? name : std::string_view(escaped);
     return true;
 }
 
