@@ -22,47 +22,9 @@
 
 namespace {
 
-// What stands before the characters of a long text.
-struct Block {
-    std::atomic<int> references;
-    int capacity; // characters, the closing NUL not counted
-
-    static Block* Of(const char* text) noexcept
-    {
-        return reinterpret_cast<Block*>(const_cast<char*>(text) - sizeof(Block));
-    }
-    char* Text() noexcept { return reinterpret_cast<char*>(this) + sizeof(Block); }
-};
-
+// The allocator hands out multiples of the step, less what it keeps for itself.
 constexpr std::size_t AllocationStep = 16;
-
-// The bytes of a block for so many characters and a NUL, rounded up to what the allocator gives anyway.
-std::size_t BlockSize(int capacity) noexcept
-{
-    const std::size_t needed = sizeof(Block) + static_cast<std::size_t>(capacity) + 1;
-    return (needed + AllocationStep - 1) / AllocationStep * AllocationStep;
-}
-
-// Gives `old` (or nothing) the room for so many characters; its text is kept.
-Block* Reallocate(Block* old, int capacity)
-{
-    if (capacity > CString::MaxLength)
-        throw std::length_error("CString too long");
-    const std::size_t size = BlockSize(capacity);
-    void* const memory = std::realloc(static_cast<void*>(old), size);
-    if (memory == nullptr)
-        throw std::bad_alloc();
-    if (old == nullptr)
-        new (memory) Block{1, 0};
-    auto* const block = static_cast<Block*>(memory);
-    block->capacity = static_cast<int>(size - sizeof(Block)) - 1;
-    return block;
-}
-
-bool IsUnique(const char* text) noexcept
-{
-    return Block::Of(text)->references.load(std::memory_order_acquire) == 1;
-}
+constexpr std::size_t AllocationHead = 8;
 
 std::size_t Size(int length) noexcept
 {
@@ -79,10 +41,37 @@ void CString::ThrowTooLong()
     throw std::length_error("CString too long");
 }
 
+// Gives the text of a long string (or, from nullptr, a new one) room for so many characters, rounded up to
+// what the allocator hands out anyway; what stood there is kept.
+char* CString::Reallocate(char* old, int capacity)
+{
+    if (capacity > MaxLength)
+        ThrowTooLong();
+    const std::size_t needed = sizeof(Block) + Size(capacity) + 1;
+    const std::size_t steps = (needed + AllocationHead + AllocationStep - 1) / AllocationStep;
+    const std::size_t size = steps * AllocationStep - AllocationHead;
+    void* const memory =
+        old == nullptr ? std::malloc(size) : std::realloc(static_cast<void*>(BlockOf(old)), size);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    auto* const block = static_cast<Block*>(memory);
+    if (old == nullptr)
+        new (block) Block{1, 0};
+    block->capacity = static_cast<int>(size - sizeof(Block)) - 1;
+    return static_cast<char*>(memory) + sizeof(Block);
+}
+
+void CString::MakeLong(const char* text, int length)
+{
+    char* const to = Reallocate(nullptr, length);
+    std::memcpy(to, text, Size(length));
+    to[length] = '\0';
+    SetLong(to, length);
+}
 // Plain arithmetic while the process has one thread, atomic from the second one on.
 void CString::AddReference() const noexcept
 {
-    auto& references = Block::Of(LongText())->references;
+    auto& references = BlockOf(LongText())->references;
     if (KVT01_SINGLE_THREADED)
         references.store(references.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     else
@@ -91,15 +80,15 @@ void CString::AddReference() const noexcept
 
 void CString::Release() noexcept
 {
-    Block* const block = Block::Of(LongText());
-    if (KVT01_SINGLE_THREADED) {
-        const int left = block->references.load(std::memory_order_relaxed) - 1;
-        block->references.store(left, std::memory_order_relaxed);
-        if (left == 0)
-            std::free(block);
-    } else if (block->references.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    Block* const block = BlockOf(LongText());
+    // The last owner needs no exchange: nobody else is left who could change the count.
+    if (block->references.load(std::memory_order_acquire) == 1)
         std::free(block);
-    }
+    else if (KVT01_SINGLE_THREADED)
+        block->references.store(block->references.load(std::memory_order_relaxed) - 1,
+                                std::memory_order_relaxed);
+    else if (block->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        std::free(block);
 }
 
 void CString::SetLong(char* text, int length) noexcept
@@ -114,8 +103,7 @@ void CString::SetLong(char* text, int length) noexcept
 void CString::SetLength(int length) noexcept
 {
     if (IsLong()) {
-        std::memcpy(m_bytes + sizeof(char*), &length, sizeof length);
-        LongText()[length] = '\0';
+        SetLongLength(length);
     } else {
         std::memset(m_bytes + length, 0, Size(TagAt - length));
         m_bytes[TagAt] = static_cast<char>(length);
@@ -130,25 +118,25 @@ char* CString::Writable(int capacity)
     if (!IsLong()) {
         if (capacity <= MaxInline)
             return m_bytes;
-        char* const text = Reallocate(nullptr, capacity)->Text();
+        char* const text = Reallocate(nullptr, capacity);
         std::memcpy(text, m_bytes, Size(MaxInline + 1));
         SetLong(text, length);
         return text;
     }
     char* text = LongText();
-    if (!IsUnique(text)) {
-        char* const copy = Reallocate(nullptr, capacity)->Text();
+    if (!HasRoomFor(0)) {
+        char* const copy = Reallocate(nullptr, capacity);
         std::memcpy(copy, text, Size(length) + 1);
         Release();
         text = copy;
-    } else if (Block::Of(text)->capacity < capacity) {
-        text = Reallocate(Block::Of(text), capacity)->Text();
+    } else if (BlockOf(text)->capacity < capacity) {
+        text = Reallocate(text, capacity);
     }
     SetLong(text, length);
     return text;
 }
 
-// The same with room that grows by half, so that appending piece by piece costs constant time per character.
+// The same with room that doubles, so that appending piece by piece costs constant time per character.
 char* CString::WritableForAppend(int added)
 {
     const int length = GetLength();
@@ -157,25 +145,10 @@ char* CString::WritableForAppend(int added)
     const int needed = length + added;
     if (needed <= MaxInline && !IsLong())
         return m_bytes;
-    if (IsLong() && IsUnique(LongText()) && Block::Of(LongText())->capacity >= needed)
+    if (IsLong() && HasRoomFor(needed))
         return LongText();
-    const int grown = length < MaxLength / 2 ? length + length / 2 : MaxLength;
+    const int grown = length < MaxLength / 2 ? 2 * length : MaxLength;
     return Writable(std::max(needed, grown));
-}
-
-CString::CString(const char* text, int length) : m_bytes{}
-{
-    if (text == nullptr || length <= 0)
-        return;
-    if (length <= MaxInline) {
-        std::memcpy(m_bytes, text, Size(length));
-        m_bytes[TagAt] = static_cast<char>(length);
-        return;
-    }
-    char* const to = Reallocate(nullptr, length)->Text();
-    std::memcpy(to, text, Size(length));
-    to[length] = '\0';
-    SetLong(to, length);
 }
 
 CString::CString(char c, int count) : m_bytes{}
@@ -235,17 +208,6 @@ int CString::Collate(const char* other) const noexcept
 
 // ---- searching
 // ----------------------------------------------------------------------------------------------------
-
-int CString::Find(char c, int start) const noexcept
-{
-    start = std::max(start, 0);
-    const int length = GetLength();
-    if (start >= length)
-        return -1;
-    const char* const text = GetString();
-    const void* const found = std::memchr(text + start, c, Size(length - start));
-    return found == nullptr ? -1 : static_cast<int>(static_cast<const char*>(found) - text);
-}
 
 int CString::Find(const char* text, int start) const noexcept
 {
@@ -476,7 +438,7 @@ void CString::Truncate(int length)
     length = std::max(length, 0);
     if (length >= GetLength())
         return;
-    if (IsLong() && !IsUnique(LongText())) {
+    if (IsLong() && !HasRoomFor(0)) {
         *this = Left(length);
         return;
     }
@@ -540,11 +502,11 @@ void CString::Preallocate(int length)
 
 int CString::GetAllocLength() const noexcept
 {
-    return IsLong() ? Block::Of(LongText())->capacity : MaxInline;
+    return IsLong() ? BlockOf(LongText())->capacity : MaxInline;
 }
 
 void CString::FreeExtra()
 {
-    if (IsLong() && GetAllocLength() > GetLength() && IsUnique(LongText()))
+    if (IsLong() && GetAllocLength() > GetLength() && HasRoomFor(0))
         *this = CString(GetString(), GetLength());
 }

@@ -16,6 +16,7 @@
 #include "BasicTypes.h"
 #include "Kvt01Api.h"
 
+#include <atomic>
 #include <compare>
 #include <concepts>
 #include <cstdarg>
@@ -72,7 +73,18 @@ public:
 
     constexpr CString() noexcept : m_bytes{} {}
     CString(const char* text) : CString(text, text == nullptr ? 0 : CheckedLength(std::strlen(text))) {}
-    CString(const char* text, int length); // a length below 0 counts as 0
+    CString(const char* text, int length) // a length below 0 counts as 0
+    {
+        if (length > MaxInline && text != nullptr) {
+            MakeLong(text, length);
+            return;
+        }
+        ClearBytes();
+        if (length > 0 && text != nullptr) {
+            CopyFew(m_bytes, text, length);
+            m_bytes[TagAt] = static_cast<char>(length);
+        }
+    }
     explicit CString(char c, int count = 1);
     CString(const std::string& text) : CString(text.data(), CheckedLength(text.size())) {}
     explicit CString(std::string_view text) : CString(text.data(), CheckedLength(text.size())) {}
@@ -138,7 +150,19 @@ public:
 
     // ---- joining
     // -------------------------------------------------------------------------------------------
-    CString& operator+=(const CString& other) { return Append(other.GetString(), other.GetLength()); }
+    CString& operator+=(const CString& other)
+    {
+        const int length = GetLength();
+        if (!IsLong() || length > MaxLength - other.GetLength() || !HasRoomFor(length + other.GetLength()))
+            return Append(other.GetString(), other.GetLength());
+        if (!other.IsLong() && HasRoomFor(length + MaxInline))
+            std::memcpy(LongText() + length, other.m_bytes,
+                        MaxInline); // all of its room: no call for a few bytes
+        else
+            std::memcpy(LongText() + length, other.GetString(), static_cast<std::size_t>(other.GetLength()));
+        SetLongLength(length + other.GetLength());
+        return *this;
+    }
     CString& operator+=(const char* text) { return Append(text); }
     CString& operator+=(char c) { return AppendChar(c); }
     CString& operator+=(std::string_view text) { return Append(text.data(), CheckedLength(text.size())); }
@@ -158,7 +182,13 @@ public:
     int Compare(const char* other) const noexcept;
     int Compare(const CString& other) const noexcept
     {
-        return HasSameBytes(other) ? 0 : std::strcmp(GetString(), other.GetString());
+        const int length = GetLength();
+        const bool isEqual =
+            !IsLong() && !other.IsLong()
+                ? HasSameBytes(other)
+                : length == other.GetLength() &&
+                      std::memcmp(GetString(), other.GetString(), static_cast<std::size_t>(length)) == 0;
+        return isEqual ? 0 : std::strcmp(GetString(), other.GetString()); // which ends at a NUL inside
     }
     int CompareNoCase(const char* other) const noexcept;
     int Collate(const char* other) const noexcept;
@@ -179,7 +209,16 @@ public:
     // ---- searching: the position found, or -1; a negative start counts as 0
     // ---------------------------------- An empty text is found at the start position, if that lies inside
     // the string or at its end.
-    int Find(char c, int start = 0) const noexcept;
+    int Find(char c, int start = 0) const noexcept
+    {
+        const int length = GetLength();
+        start = start < 0 ? 0 : start;
+        if (start >= length)
+            return -1;
+        const char* const text = GetString();
+        const void* const found = std::memchr(text + start, c, static_cast<std::size_t>(length - start));
+        return found == nullptr ? -1 : static_cast<int>(static_cast<const char*>(found) - text);
+    }
     int Find(const char* text, int start = 0) const noexcept;
     int Find(const CString& text, int start = 0) const noexcept;
     int ReverseFind(char c) const noexcept;
@@ -259,6 +298,11 @@ public:
     void FreeExtra();
 
 private:
+    // What stands in front of the characters of a long text.
+    struct Block {
+        std::atomic<int> references;
+        int capacity; // characters, the closing NUL not counted
+    };
     static constexpr int TagAt = 31;
     static constexpr signed char LongTag = -1;
 
@@ -293,8 +337,41 @@ private:
         std::memcpy(&length, m_bytes + sizeof(char*), sizeof length);
         return length;
     }
+    // Copies 0 to MaxInline characters, as two pieces that may overlap.
+    static void CopyFew(char* to, const char* from, int count) noexcept
+    {
+        const auto copy = [=]<std::size_t Piece>(std::integral_constant<std::size_t, Piece>) {
+            std::memcpy(to, from, Piece);
+            std::memcpy(to + count - Piece, from + count - Piece, Piece);
+        };
+        if (count >= 16)
+            copy(std::integral_constant<std::size_t, 16>());
+        else if (count >= 8)
+            copy(std::integral_constant<std::size_t, 8>());
+        else if (count >= 4)
+            copy(std::integral_constant<std::size_t, 4>());
+        else
+            for (int i = 0; i < count; ++i)
+                to[i] = from[i];
+    }
+    static Block* BlockOf(const char* text) noexcept
+    {
+        return reinterpret_cast<Block*>(const_cast<char*>(text) - sizeof(Block));
+    }
+    bool HasRoomFor(int length) const noexcept // in the long text, and the block is ours alone
+    {
+        const Block* const block = BlockOf(LongText());
+        return block->references.load(std::memory_order_acquire) == 1 && block->capacity >= length;
+    }
+    void SetLongLength(int length) noexcept
+    {
+        std::memcpy(m_bytes + sizeof(char*), &length, sizeof length);
+        LongText()[length] = '\0';
+    }
     void AddReference() const noexcept;
     void Release() noexcept;
+    void MakeLong(const char* text, int length);
+    static char* Reallocate(char* old, int capacity);
     void SetLong(char* text, int length) noexcept;
     void SetLength(int length) noexcept;
     char* Writable(int capacity);

@@ -1,4 +1,14 @@
-// LocaleUtils: the user's regional settings.
+// LocaleUtils: the user's regional settings, one question each.
+//
+// Every call asks the platform anew, so that a change of the settings counts at the next call. Five
+// separators are the exception: they are read once and kept. A text is in the process code page; the
+// platform's failure gives an empty text or 0 and, for texts, a line in the application log. Nothing throws
+// but std::bad_alloc. Getters cost well under a microsecond, those of the five separators a few nanoseconds,
+// after the first question about a locale, which may take some milliseconds.
+//
+// Weekdays count 1 = Sunday .. 7 = Saturday, months 1 .. 12, and 13 for calendars that have one more.
+//
+// Threads: any thread may ask. The first fill of a kept separator is not locked, so let one thread fill it.
 #pragma once
 
 #include "CString.h"
@@ -6,9 +16,64 @@
 
 class KVT01_API LocaleUtils {
 public:
-    // Read once, when first asked for, and kept for the rest of the process; empty until then.
+    // What the five getters that answer from memory keep; empty until the first answer that is not. A change
+    // of the user's settings is not seen after that.
+    static CString& m_csCurrencySymbol;
     static CString& m_csDecimalSeparator;
     static CString& m_csThousandsSeparator;
+    static CString& m_csCurrencyDecimalSeparator;
+    static CString& m_csCurrencyThousandsSeparator;
 
+    // ---- any item, by the platform's number for it (LOCALE_SDECIMAL is 14); a failure leaves `value` alone
     static CString GetLocaleInfoFor(unsigned long lcType);
+    static void GetLocaleInfoNumberFor(unsigned long lcType, unsigned int& value);
+
+    // ---- texts
+    static CString GetCurrencySymbol();
+    static CString GetDecimalSeparator();
+    static CString GetThousandsSeparator();
+    static CString GetCurrencyDecimalSeparator();
+    static CString GetCurrencyThousandsSeparator();
+    static CString GetDateSeparator();
+    static CString GetTimeSeparator();
+    static CString GetTimeAM();
+    static CString GetTimePM();
+    static CString GetCountryName();  // in English
+    static CString GetLanguageName(); // in English
+    // Outside 1..13 and 1..7: empty, with a line in the log.
+    static CString GetMonthName(int month, bool abbreviated = false);
+    static CString GetDayName(int day, bool abbreviated = false);
+
+    // ---- numbers
+    static unsigned int GetCountryCode(); // of the telephone
+    static unsigned int GetNumberFractionalDigits();
+    static unsigned int GetCurrencyFractionalDigits();
+    static bool GetLeadingZero(); // 0.5 rather than .5
+    static bool GetFullYearDisplay();
+    static bool GetDayHasLeadingZero();
+    static bool GetMonthHasLeadingZero();
+    static bool GetHourHasLeadingZero();
+    static bool GetUSMeasurementSystem(); // rather than metric
+    static int GetFirstDayOfWeek();
+    // Whether the clock has 12 hours; whether AM or PM stands in front of the time.
+    static bool Get12HourTime(bool& markerFirst);
+    // The places 0, 1, 2 of day, month and year in a short date.
+    static void GetDateOrdering(unsigned int& dayPos, unsigned int& monthPos, unsigned int& yearPos);
+
+    // ---- forms of negative numbers and of money
+    static void GetNegNumberFormat(bool& spaceAfterSign, bool& signFirst, bool& parentheses);
+    static bool GetCurrencySymbolIsPrefix(bool& separated);
+    static void GetNegCurrencySymbolFormat(bool& useMinus, bool& minusBeforeSymbol, bool& minusAfterNumber,
+                                           bool& parentheses);
+
+    // ---- groups of digits as the decimal digits of one number: 3 is threes, 32 one three and then twos
+    static unsigned int GetDigitGrouping();
+    static unsigned int GetCurrencyGrouping();
+    // The digits 1 to 8 of the text in a row, all else skipped; a number beyond 32 bits wraps.
+    //   "3;0" -> 3   "3;2;0" -> 32   "3" -> 3   "9;0" -> 0   "" -> 0
+    static unsigned int ConvertGrouping(const CString& grouping);
+
+    // The last year of this century that two digits stand for: the last two characters of the user's setting,
+    // read by atoi; 29 without one, and when it is shorter than two or longer than 255 characters.
+    static int GetTwoDigitYearMax();
 };

@@ -18,6 +18,7 @@
 #include "CArchive.h"
 #include "CRect.h"
 #include "CString.h"
+#include "DateTime.h"
 #include "Kvt01Api.h"
 #include "StringUtils.h"
 
@@ -34,9 +35,11 @@ concept TextKey = OneOf<Key, CString, std::string>;
 template <class Order, class Key> // the orders of containers with text keys
 concept TextOrder = OneOf<Order, std::less<Key>, StringUtils::NoCase>;
 template <class Value>
-concept IntMapValue = OneOf<Value, bool, int, uint64, double, std::string, CString, std::vector<int>>;
+concept IntMapValue =
+    OneOf<Value, bool, int, uint64, double, DateTime, std::string, CString, std::vector<int>>;
 template <class Value>
-concept TextMapValue = OneOf<Value, bool, int, UINT, double, CString, std::string, std::vector<CString>>;
+concept TextMapValue =
+    OneOf<Value, bool, int, UINT, double, DateTime, CString, std::string, std::vector<CString>>;
 
 class KVT01_API SerializeData {
 public:

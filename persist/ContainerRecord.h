@@ -11,6 +11,7 @@
 
 #include "CArchive.h"
 #include "CRect.h"
+#include "DateTime.h"
 #include "SerializeData.h"
 #include "TextArray.h"
 #include "persist/ProtectedString.h"
@@ -90,6 +91,15 @@ inline void StoreValue(CArchive& archive, const CRect& rect)
 inline void LoadValue(CArchive& archive, CRect& rect, bool)
 {
     archive >> rect.left >> rect.top >> rect.right >> rect.bottom;
+}
+
+inline void StoreValue(CArchive& archive, DateTime date)
+{
+    date.Serialize(archive);
+}
+inline void LoadValue(CArchive& archive, DateTime& date, bool)
+{
+    date.Serialize(archive);
 }
 
 inline void StoreValue(CArchive& archive, const TextArray& texts)

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "StringUtils.h"
+#include "text/CharacterTables.h"
 
 namespace {
 
@@ -28,27 +29,13 @@ constexpr int IsAlphaInC(int c)
     return Lowercase(c) != Uppercase(c);
 }
 
-// The value in a table for a character taken from a string: 0 for a byte of 128 or more.
-int Folded(const int (&table)[256], char c)
-{
-    return c < 0 ? 0 : table[static_cast<unsigned char>(c)];
-}
-
-bool IsSpaceChar(char c)
-{
-    return Folded(StringUtils::m_tableIsSpace, c) != 0;
-}
-bool IsPunctChar(char c)
-{
-    return c >= 0 && std::ispunct(c) != 0;
-}
 bool IsLowerChar(char c)
 {
-    return c >= 0 && StringUtils::IsLower(c);
+    return static_cast<unsigned char>(c) <= 127 && StringUtils::IsLower(c);
 }
 bool IsUpperChar(char c)
 {
-    return c >= 0 && StringUtils::IsUpper(c);
+    return static_cast<unsigned char>(c) <= 127 && StringUtils::IsUpper(c);
 }
 
 // The order of two texts by the lower-case table, a proper prefix first: below, equal to or above 0.
@@ -111,11 +98,7 @@ bool StringUtils::IsRomanNumeral(int c)
 
 bool StringUtils::IsWholeWordDelimiter(char c, bool underscoreDelimits, bool dollarDelimits)
 {
-    if (IsSpaceChar(c))
-        return true;
-    if (!IsPunctChar(c))
-        return false;
-    return c == '$' ? dollarDelimits : c == '_' ? underscoreDelimits : true;
+    return IsWholeWordDelimiterChar(c, underscoreDelimits, dollarDelimits);
 }
 
 bool StringUtils::IsWordBreak(char c)

@@ -1,41 +1,224 @@
-// Prefixes, suffixes and wildcard specifications.
+// Prefixes, suffixes, wildcard specifications, common prefixes and parts of texts.
 #include "StringUtils.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+
+#include "TextArray.h"
+#include "framework/RuntimeText.h"
+#include "framework/TextSearch.h"
+#include "text/CharacterTables.h"
 
 namespace {
 
-// A prefix character matches a text character that is equal or whose other-case form it is.
-bool MatchesChar(char text, char wanted, bool caseSensitive)
-{
-    if (text == wanted)
-        return true;
-    if (caseSensitive)
-        return false;
-    const int c = text < 0 ? 0 : text;
-    const int other =
-        StringUtils::IsLower(c) ? StringUtils::m_tableUppercase[c] : StringUtils::m_tableLowercase[c];
-    return other == wanted;
-}
+// For each character its other-case form by the tables; kept: that of a byte of 128 or more is NUL.
+constexpr auto OtherCase = [] {
+    std::array<char, 256> forms{};
+    for (std::size_t c = 0; c < 128; ++c) {
+        const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+        forms[c] = static_cast<char>(isLetter ? c ^ ('a' ^ 'A') : c);
+    }
+    return forms;
+}();
 
-bool MatchesAt(const char* text, const CString& wanted, bool caseSensitive)
+// A character of a prefix or suffix fits one of the text that is equal or has it as its other-case form.
+bool FitsAt(const char* text, std::string_view wanted, bool caseSensitive)
 {
-    for (int i = 0; i < wanted.GetLength(); ++i)
-        if (!MatchesChar(text[i], wanted[i], caseSensitive))
+    if (caseSensitive)
+        return std::memcmp(text, wanted.data(), wanted.size()) == 0;
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        if (text[i] != wanted[i] && OtherCase[static_cast<unsigned char>(text[i])] != wanted[i])
             return false;
     return true;
+}
+
+bool BeginsWith(std::string_view text, std::string_view prefix, bool caseSensitive)
+{
+    if (text.empty() || prefix.empty() || prefix.size() > text.size())
+        return text.empty() && prefix.empty();
+    return FitsAt(text.data(), prefix, caseSensitive);
+}
+
+bool EndsWith(std::string_view text, std::string_view suffix, bool caseSensitive)
+{
+    if (text.empty() || suffix.empty() || suffix.size() > text.size())
+        return text.empty() && suffix.empty();
+    return FitsAt(text.data() + (text.size() - suffix.size()), suffix, caseSensitive);
+}
+
+// With case by bytes, without by the lower-case table.
+bool IsEqual(std::string_view a, std::string_view b, bool caseSensitive)
+{
+    if (a.size() != b.size())
+        return false;
+    if (caseSensitive)
+        return a == b;
+    return std::equal(a.begin(), a.end(), b.begin(),
+                      [](char x, char y) { return LowercaseOf(x) == LowercaseOf(y); });
+}
+
+// Whether lower-cased copies of both, by the runtime library, contain one another.
+bool ContainsLowered(std::string_view text, std::string_view wanted)
+{
+    constexpr std::size_t Short = 256; // too little text for preparations to pay
+    if (text.size() > Short) {
+        const TextSearch::ByteFold fold = TextSearch::RuntimeLowercase();
+        return TextSearch::Occurrences(text, wanted, fold).Next(0) != TextSearch::None;
+    }
+    const auto lower = RuntimeText::Lowercase();
+    const char first = lower(wanted[0]);
+    for (std::size_t at = 0; at + wanted.size() <= text.size(); ++at) {
+        std::size_t matched = 0;
+        if (lower(text[at]) == first)
+            while (++matched < wanted.size() && lower(text[at + matched]) == lower(wanted[matched]))
+                ;
+        if (matched == wanted.size())
+            return true;
+    }
+    return false;
+}
+
+// ---- wildcards
+
+std::size_t IndexOf(std::string_view spec, char c)
+{
+    return static_cast<std::size_t>(std::find(spec.begin(), spec.end(), c) - spec.begin());
+}
+
+bool IsCatchAll(std::string_view spec)
+{
+    constexpr std::string_view CatchAlls[] = {"*", "*?", "?*", "?*?", "*?*"};
+    return spec.size() <= 3 &&
+           std::find(std::begin(CatchAlls), std::end(CatchAlls), spec) != std::end(CatchAlls);
+}
+
+// A specification with at most one "?" that counts and no "*" that does.
+bool FitsQuestionMark(std::string_view text, std::string_view spec, bool caseSensitive)
+{
+    const std::size_t at = IndexOf(spec, '?');
+    if (at == spec.size())
+        return !text.empty() && IsEqual(text, spec, caseSensitive);
+    if (spec.size() != text.size() && spec.size() != text.size() + 1)
+        return false;
+    if (at > 0)
+        return BeginsWith(text, spec.substr(0, at), caseSensitive); // kept: what follows is not tested
+    return spec.size() > 1 && EndsWith(text, spec.substr(1), caseSensitive);
+}
+
+// "*" middle "*" with a "?" in the middle. Kept: only its position counts, for the pieces around it are taken
+// from the text and looked for there, so almost every text that is long enough fits.
+bool FitsAroundQuestionMark(const CString& text, std::size_t position, bool caseSensitive)
+{
+    const int at = static_cast<int>(position);
+    CString left = text.Left(at);
+    CString right = text.Mid(at + 1);
+    if (!caseSensitive) {
+        left.MakeLower();
+        right.MakeLower();
+    }
+    const int leftAt = text.Find(left);
+    const int rightAt = text.Find(right);
+    const int leftEnd = leftAt + left.GetLength();
+    return leftAt >= 0 && rightAt >= 0 && (rightAt == leftEnd || rightAt == leftEnd + 1);
+}
+
+// "*" rest, where the rest has wildcards of its own.
+bool FitsBehindStar(const CString& text, std::string_view rest, bool caseSensitive)
+{
+    const std::size_t star = IndexOf(rest, '*');
+    const std::size_t questionMark = IndexOf(rest, '?');
+    if (star == rest.size())
+        return FitsQuestionMark(text.View(), rest, caseSensitive);
+    if (star + 1 < rest.size())
+        return false;
+    if (questionMark < rest.size())
+        return FitsAroundQuestionMark(text, questionMark, caseSensitive);
+    const std::string_view middle = rest.substr(0, star);
+    return middle.empty() || (caseSensitive ? TextSearch::Find(text.View(), middle, 0) >= 0
+                                            : ContainsLowered(text.View(), middle));
+}
+
+bool HasWildcard(std::string_view spec)
+{
+    return std::any_of(spec.begin(), spec.end(), [](char c) { return c == '*' || c == '?'; });
+}
+
+// How long the common front is.
+int CommonFront(std::string_view a, std::string_view b, bool caseSensitive)
+{
+    const auto isEqual = [&](char x, char y) {
+        return caseSensitive ? x == y : UppercaseOf(x) == UppercaseOf(y);
+    };
+    return static_cast<int>(std::mismatch(a.begin(), a.end(), b.begin(), b.end(), isEqual).first - a.begin());
 }
 
 } // namespace
 
 bool StringUtils::MatchFirstChars(const CString& text, const CString& prefix, bool caseSensitive)
 {
-    if (text.IsEmpty() || prefix.IsEmpty() || prefix.GetLength() > text.GetLength())
-        return text.IsEmpty() && prefix.IsEmpty();
-    return MatchesAt(text, prefix, caseSensitive);
+    return BeginsWith(text.View(), prefix.View(), caseSensitive);
 }
 
 bool StringUtils::MatchLastChars(const CString& text, const CString& suffix, bool caseSensitive)
 {
-    if (text.IsEmpty() || suffix.IsEmpty() || suffix.GetLength() > text.GetLength())
-        return text.IsEmpty() && suffix.IsEmpty();
-    return MatchesAt(text.GetString() + text.GetLength() - suffix.GetLength(), suffix, caseSensitive);
+    return EndsWith(text.View(), suffix.View(), caseSensitive);
+}
+
+bool StringUtils::MatchSpec(const CString& text, const CString& spec, bool caseSensitive)
+{
+    const std::string_view name = text.View();
+    const std::string_view whole = spec.View();
+    if (whole.empty() || IsCatchAll(whole))
+        return true;
+    if (!name.empty() && IsEqual(name, whole, caseSensitive))
+        return true;
+    if (whole.find_first_not_of('?') == std::string_view::npos)
+        return name.size() <= whole.size();
+    const std::size_t star = IndexOf(whole, '*');
+    if (star == whole.size())
+        return FitsQuestionMark(name, whole, caseSensitive);
+    const std::string_view rest = whole.substr(star + 1);
+    if (star == 0)
+        return HasWildcard(rest) ? FitsBehindStar(text, rest, caseSensitive)
+                                 : EndsWith(name, rest, caseSensitive);
+    return BeginsWith(name, whole.substr(0, star), caseSensitive) && // the two may overlap in the text
+           (rest.empty() || EndsWith(name, rest, caseSensitive));
+}
+
+bool StringUtils::MatchSpecQuestionMark(const CString& text, const CString& spec, bool caseSensitive)
+{
+    return FitsQuestionMark(text.View(), spec.View(), caseSensitive);
+}
+
+CString StringUtils::DetermineCommonChars(const CString& a, const CString& b, bool caseSensitive)
+{
+    const int common = CommonFront(a.View(), b.View(), caseSensitive);
+    return common == b.GetLength() && common < a.GetLength() ? b : a.Left(common);
+}
+
+CString StringUtils::GetCommonText(const TextArray& items, bool caseSensitive)
+{
+    CString common;
+    for (const CString& item : items) {
+        if (item.IsEmpty())
+            continue;
+        common = common.IsEmpty() ? item : DetermineCommonChars(item, common, caseSensitive);
+        if (common.IsEmpty())
+            break;
+    }
+    return common;
+}
+
+CString StringUtils::CopySubString(const CString& s, int start, int count)
+{
+    return start < 0 || count < 1 ? CString() : s.Mid(start, count);
+}
+
+CString StringUtils::GetTextFromMiddle(const CString& s, int first, int last)
+{
+    first = std::max(first, 0);
+    last = std::min(last, s.GetLength() - 1);
+    return first > last ? CString() : s.Mid(first, last - first + 1);
 }

@@ -1,8 +1,14 @@
 #include "TextArray.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstring>
 #include <utility>
 
+#include "CStringArray.h"
+#include "CStringList.h"
+#include "NumberTextConv.h"
+#include "StringUtils.h"
 #include "framework/NeverDestroyed.h"
 
 static constinit NeverDestroyed<CString> decimalSeparator;
@@ -14,18 +20,21 @@ const CString& TextArray::NoString()
     return empty.value;
 }
 
+std::vector<CString>::iterator TextArray::Iterator(std::size_t index)
+{
+    return m_strings.begin() + static_cast<std::ptrdiff_t>(index);
+}
+
 void TextArray::CopyFromVector(const std::vector<CString>& list)
 {
-    const std::size_t count = list.size(); // the list may be our own
-    m_strings.reserve(m_strings.size() + count);
-    for (std::size_t i = 0; i < count; ++i)
-        m_strings.push_back(list[i]);
+    if (&list == &m_strings)
+        return CopyFromVector(std::vector<CString>(list));
+    m_strings.insert(m_strings.end(), list.begin(), list.end());
 }
 
 void TextArray::Insert(std::size_t index, const CString& s)
 {
-    const auto at = static_cast<std::ptrdiff_t>(std::min(index, GetCount()));
-    m_strings.insert(m_strings.begin() + at, CString(s));
+    m_strings.insert(Iterator(std::min(index, GetCount())), CString(s));
 }
 
 void TextArray::Replace(std::size_t index, const CString& s)
@@ -60,17 +69,156 @@ void TextArray::RemoveLast()
 void TextArray::Remove(std::size_t index)
 {
     if (index < GetCount())
-        m_strings.erase(m_strings.begin() + static_cast<std::ptrdiff_t>(index));
+        m_strings.erase(Iterator(index));
 }
+
+void TextArray::Remove(const CString& s)
+{
+    bool found = false;
+    Remove(Find(s, true, found));
+}
+
+void TextArray::MakeLower()
+{
+    for (CString& element : m_strings)
+        element.MakeLower();
+}
+
+void TextArray::ReplaceInAll(const CString& from, const CString& to)
+{
+    const CString wanted = from; // both may be elements
+    const CString replacement = to;
+    for (CString& element : m_strings)
+        element.Replace(wanted, replacement);
+}
+
+bool TextArray::MoveToFirst(const CString& s, bool caseSensitive)
+{
+    bool found = false;
+    const std::size_t at = Find(s, caseSensitive, found);
+    if (!HaveMultiple() || !found || at == 0)
+        return false;
+    std::rotate(m_strings.begin(), Iterator(at), Iterator(at + 1));
+    return true;
+}
+
+bool TextArray::MoveToLast(const CString& s, bool caseSensitive)
+{
+    bool found = false;
+    const std::size_t at = Find(s, caseSensitive, found);
+    if (!HaveMultiple() || !found || at == GetCount() - 1)
+        return false;
+    std::rotate(Iterator(at), Iterator(at + 1), m_strings.end());
+    return true;
+}
+
+void TextArray::RemoveCharsFromIndex(std::size_t index, int position, int count)
+{
+    if (index < GetCount() && position >= 0 && count > 0)
+        m_strings[index].Delete(position, count);
+}
+
+void TextArray::AdjustEntries(const CString& text, bool atFront)
+{
+    const CString added = text; // may be an element
+    if (added.IsEmpty())
+        return;
+    for (CString& element : m_strings)
+        element = atFront ? added + element : element + added;
+}
+
+void TextArray::AddValuesRange(int from, int to, bool grouped)
+{
+    if (from > to)
+        return;
+    const int64 count = int64{to} - from + 1;
+    m_strings.reserve(m_strings.size() + static_cast<std::size_t>(count));
+    for (int64 value = from; value <= to; ++value)
+        m_strings.push_back(NumberTextConv::NumberToString(static_cast<int>(value), grouped, 0, CString()));
+}
+
+CString TextArray::ConvertIntoOneLine(const CString& separator) const
+{
+    CString line;
+    for (std::size_t i = 0; i < GetCount(); ++i) {
+        if (i > 0)
+            line += separator;
+        line += m_strings[i];
+    }
+    return line;
+}
+
+void TextArray::CopyToVector(std::vector<CString>& list) const
+{
+    list = m_strings;
+}
+
+void TextArray::CopyToStringArray(CStringArray& list) const
+{
+    list.RemoveAll();
+    for (const CString& element : m_strings)
+        list.Add(element);
+}
+
+void TextArray::CopyFromStringArray(const CStringArray& list)
+{
+    m_strings.insert(m_strings.end(), list.begin(), list.end());
+}
+
+void TextArray::CopyToList(CStringList& list) const
+{
+    list.RemoveAll();
+    for (const CString& element : m_strings)
+        list.AddTail(element);
+}
+
+void TextArray::CopyFromList(const CStringList& list)
+{
+    m_strings.insert(m_strings.end(), list.begin(), list.end());
+}
+
+void TextArray::Dump() const
+{
+    for (std::size_t i = 0; i < GetCount(); ++i)
+        std::fprintf(stderr, "[%zu] %s\n", i, m_strings[i].GetString());
+}
+
+namespace {
+
+// One text that many are compared with. An equal one ends where it ends, with or without case, so that most
+// others are turned away by a single byte.
+class WantedText {
+public:
+    WantedText(const CString& text, bool caseSensitive)
+        : m_text(text), m_length(static_cast<int>(std::strlen(text))), m_caseSensitive(caseSensitive)
+    {
+    }
+    bool operator()(const CString& other) const
+    {
+        if (other.GetLength() < m_length || other.GetString()[m_length] != '\0')
+            return false;
+        return (m_caseSensitive ? other.Compare(m_text) : other.CompareNoCase(m_text)) == 0;
+    }
+
+private:
+    const CString& m_text;
+    int m_length; // up to the first NUL
+    bool m_caseSensitive;
+};
+
+} // namespace
 
 std::size_t TextArray::Find(const CString& s, bool caseSensitive, bool& found) const
 {
-    const auto isEqual = [&](const CString& element) {
-        return (caseSensitive ? element.Compare(s) : element.CompareNoCase(s)) == 0;
-    };
-    const auto at = std::find_if(m_strings.begin(), m_strings.end(), isEqual);
+    const auto at = std::find_if(m_strings.begin(), m_strings.end(), WantedText(s, caseSensitive));
     found = at != m_strings.end();
     return static_cast<std::size_t>(at - m_strings.begin());
+}
+
+std::size_t TextArray::FindCount(const CString& s, bool caseSensitive) const
+{
+    return static_cast<std::size_t>(
+        std::count_if(m_strings.begin(), m_strings.end(), WantedText(s, caseSensitive)));
 }
 
 bool TextArray::Have(const CString& s, bool caseSensitive) const
@@ -78,6 +226,15 @@ bool TextArray::Have(const CString& s, bool caseSensitive) const
     bool found = false;
     Find(s, caseSensitive, found);
     return found;
+}
+
+std::size_t TextArray::FindWithin(const CString& s, bool& found, std::size_t start, bool caseSensitive) const
+{
+    std::size_t at = std::min(start, GetCount());
+    while (at < GetCount() && !StringUtils::MatchFirstChars(m_strings[at], s, caseSensitive))
+        ++at;
+    found = at < GetCount();
+    return at;
 }
 
 void TextArray::AddNoDuplicates(const CString& s, bool caseSensitive)

@@ -6,7 +6,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/posix/Failures.h"
 #include "platform/posix/FileDescriptor.h"
+#include "platform/posix/FileFacts.h"
 #include "platform/posix/OpenFiles.h"
 #include "platform/posix/PosixErrors.h"
 #include "platform/posix/PosixPlatform.h"
@@ -165,12 +167,6 @@ DWORD Finish(OpenedFile& file, const OpenRequest& request, HANDLE& handle) noexc
 }
 
 // ---- open files
-
-BOOL Fail(DWORD error) noexcept
-{
-    SetLastError(error);
-    return FALSE;
-}
 
 BOOL SystemResult(int result) noexcept
 {
@@ -357,4 +353,20 @@ BOOL SetEndOfFile(HANDLE handle) noexcept
 BOOL FlushFileBuffers(HANDLE handle) noexcept
 {
     return Has(handle, OpenFiles::Write) ? SystemResult(fsync(OpenFiles::DescriptorOf(handle))) : FALSE;
+}
+
+BOOL GetFileTime(HANDLE handle, FILETIME* created, FILETIME* accessed, FILETIME* written) noexcept
+{
+    if (!Has(handle, OpenFiles::Open))
+        return FALSE;
+    const auto facts = FactsOf(OpenFiles::DescriptorOf(handle), "");
+    if (!facts)
+        return Fail(ErrorForErrno(errno));
+    if (created != nullptr)
+        *created = facts->created;
+    if (accessed != nullptr)
+        *accessed = facts->accessed;
+    if (written != nullptr)
+        *written = facts->written;
+    return TRUE;
 }

@@ -55,56 +55,8 @@ DWORD FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD langu
 // -------------------------------------------------------------------
 int _stricmp(const char* a, const char* b) noexcept;
 
-// ---- open files
-// A file is read-only when its owner may not write it, whoever asks. `*?<>|"`, a dot or a blank at the end,
-// and names of devices are names like any others. A path may be as long as the system takes it (4096 bytes).
-union LARGE_INTEGER {
-    int64 QuadPart;
-};
-
-inline constexpr DWORD GENERIC_READ = 0x80000000;
-inline constexpr DWORD GENERIC_WRITE = 0x40000000;
-inline constexpr DWORD FILE_SHARE_READ = 1;
-inline constexpr DWORD FILE_SHARE_WRITE = 2;
-inline constexpr DWORD FILE_SHARE_DELETE = 4;
-inline constexpr DWORD CREATE_NEW = 1;
-inline constexpr DWORD CREATE_ALWAYS = 2;
-inline constexpr DWORD OPEN_EXISTING = 3;
-inline constexpr DWORD OPEN_ALWAYS = 4;
-inline constexpr DWORD TRUNCATE_EXISTING = 5;
-inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
-inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;
-inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
-inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
-inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
-inline constexpr DWORD FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
-inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
-inline constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
-inline constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
-inline constexpr DWORD FILE_BEGIN = 0;
-inline constexpr DWORD FILE_CURRENT = 1;
-inline constexpr DWORD FILE_END = 2;
-
-// INVALID_HANDLE_VALUE with the error, else the error is 0, or 183 where CREATE_ALWAYS or OPEN_ALWAYS found
-// the file there. The share modes hold between all handles of this library, in this process and in others, as
-// long as the file system has advisory locks; other programs neither see nor keep them. A handle that asks
-// for no access, and one that may write a file it may not read, takes no part in them. A new file is made
-// with the mode 0666, or 0444 for FILE_ATTRIBUTE_READONLY, less the umask; of the other attributes only
-// FILE_FLAG_BACKUP_SEMANTICS counts, which opens folders. TRUNCATE_EXISTING without GENERIC_WRITE is
-// error 87.
-HANDLE CreateFileA(const char* path, DWORD access, DWORD share, void* security, DWORD disposition,
-                   DWORD attributes, HANDLE model) noexcept;
-
-// A handle that is not open is error 6, a right that it was not opened with error 5. Reading at or behind the
-// end succeeds with the count 0. `overlapped` must be null, `done` may be.
-BOOL CloseHandle(HANDLE handle) noexcept;
-BOOL ReadFile(HANDLE handle, void* buffer, DWORD count, DWORD* done, void* overlapped) noexcept;
-BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void* overlapped) noexcept;
-// A position behind the end is allowed: writing there fills the gap with zeros.
-BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD method) noexcept;
-// The low half of the position; without `high` the distance has 32 bits and a position of more is error 87.
-DWORD SetFilePointer(HANDLE handle, LONG low, LONG* high, DWORD method) noexcept;
-BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size) noexcept;
-DWORD GetFileSize(HANDLE handle, DWORD* high) noexcept;
-BOOL SetEndOfFile(HANDLE handle) noexcept;
-BOOL FlushFileBuffers(HANDLE handle) noexcept; // safe on the disk when it returns
+#include "platform/posix/PosixFiles.h"
+#include "platform/posix/PosixLocale.h"
+#include "platform/posix/PosixLocks.h"
+#include "platform/posix/PosixRegistry.h"
+#include "platform/posix/PosixTime.h"

@@ -76,9 +76,10 @@ bool ShareLocks::Enter(int descriptor, unsigned uses, unsigned denies) noexcept
 {
     const unsigned own = BytesFor(uses, denies);
     const unsigned opposed = BytesFor(denies, uses);
+    const unsigned lasting = opposed & ~BytesFor(Deletes, 0); // deleting takes a moment: worth waiting for
     for (int attempt = 0; attempt < Attempts; ++attempt) {
         // Looked at before anything is announced, so that one who is not let in disturbs nobody.
-        if (IsAnyHeldByOthers(descriptor, opposed) || !Announce(descriptor, own))
+        if (IsAnyHeldByOthers(descriptor, lasting) || !Announce(descriptor, own))
             return false;
         if (!IsAnyHeldByOthers(descriptor, opposed))
             return true;

@@ -52,13 +52,9 @@ DWORD ErrorForPath(const SystemPath& path, int posixError) noexcept
 {
     if (posixError != ENOENT && posixError != ENOTDIR)
         return ErrorForErrno(posixError);
-    struct stat state;
-    if (path.EndsInSeparator()) {
-        const SystemPath name(path.WithoutLastSeparators());
-        if (stat(name.Text(), &state) == 0 && !S_ISDIR(state.st_mode))
-            return ERROR_INVALID_NAME;
-    }
     const SystemPath folder(path.Folder());
-    const bool hasFolder = stat(folder.Text(), &state) == 0 && S_ISDIR(state.st_mode);
-    return hasFolder ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
+    struct stat state;
+    if (stat(folder.Text(), &state) != 0 || !S_ISDIR(state.st_mode))
+        return ERROR_PATH_NOT_FOUND;
+    return posixError == ENOTDIR ? ERROR_INVALID_NAME : ERROR_FILE_NOT_FOUND;
 }

@@ -1,0 +1,51 @@
+// CFileFind: the files that match a pattern, one after the other.
+//
+//     CFileFind finder;
+//     for (bool more = finder.FindFile("C:\\data\\*.txt"); more;) {
+//         more = finder.FindNextFile(); // steps to the next one first, and says whether another follows
+//         Use(finder.GetFilePath());
+//     }
+//
+// Only the last part of a pattern may hold * and ?; *.* finds names without a dot too. A pattern of only such
+// characters finds the folders . and .. too. The order is the file system's. Before the first FindNextFile the
+// getters answer with empty text, 0 or false.
+#pragma once
+
+#include "BasicTypes.h"
+#include "CString.h"
+#include "FileTime.h"
+#include "Kvt01Api.h"
+
+#include <memory>
+
+class KVT01_API CFileFind {
+public:
+    CFileFind();
+    CFileFind(CFileFind&&) noexcept;
+    CFileFind& operator=(CFileFind&&) noexcept;
+    ~CFileFind();
+
+    bool FindFile(const char* pattern = "*.*"); // false when nothing matches or the folder cannot be read
+    bool FindNextFile();
+    void Close();
+
+    CString GetFileName() const;      // the name with its extension
+    CString GetFilePath() const;      // the pattern's folder and the name
+    CString GetFileTitle() const;     // the name without its extension
+    CString GetRoot() const;          // the pattern's folder, with its separator; may be empty
+    uint64 GetLength() const;         // in bytes
+    FILETIME GetCreationTime() const; // all zero before the first file
+    FILETIME GetLastAccessTime() const;
+    FILETIME GetLastWriteTime() const;
+    bool IsDirectory() const; // a link to a folder is one
+    bool IsLink() const;      // a symbolic link; the other answers are those of what it leads to
+    bool IsDots() const;      // . or ..
+    bool IsReadOnly() const;
+    bool IsHidden() const;
+
+private:
+    struct Search;
+    bool Has(DWORD attribute) const;
+
+    std::unique_ptr<Search> m_search;
+};

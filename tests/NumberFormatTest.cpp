@@ -1,0 +1,164 @@
+#include <gtest/gtest.h>
+
+#include "NumberTextConv.h"
+#include "platform/Platform.h"
+#include "support/Table.h"
+#include "support/UserSettings.h"
+
+namespace {
+
+std::string Formatted(const std::string& digits, const NUMBERFMTA& format)
+{
+    const int size = GetNumberFormatA(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, nullptr, 0);
+    if (size == 0)
+        return "ERROR " + std::to_string(GetLastError());
+    std::string text(static_cast<std::size_t>(size), '#');
+    EXPECT_EQ(GetNumberFormatA(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, text.data(), size), size);
+    EXPECT_EQ(GetNumberFormatA(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, text.data(), size - 1), 0);
+    EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(text.back(), '\0');
+    text.pop_back();
+    return text;
+}
+
+struct Recorded {
+    std::string digits, decimal, thousands, result;
+    UINT grouping, order;
+};
+
+std::vector<Recorded> TrustedRows()
+{
+    std::vector<Recorded> rows;
+    for (const auto& cells : Table::Read("numberformat-answers.tsv"))
+        if (cells[6] == "yes")
+            rows.push_back({Table::Unescaped(cells[0]), Table::Unescaped(cells[3]),
+                            Table::Unescaped(cells[4]), Table::Unescaped(cells[5]),
+                            static_cast<UINT>(std::stoul(cells[1])),
+                            static_cast<UINT>(std::stoul(cells[2]))});
+    return rows;
+}
+
+TEST(NumberFormat, IsTheRecordedOne)
+{
+    const std::vector<Recorded> rows = TrustedRows();
+    EXPECT_EQ(rows.size(), 370u);
+    for (const Recorded& row : rows)
+        EXPECT_EQ(Formatted(row.digits,
+                            {0, 0, row.grouping, row.decimal.c_str(), row.thousands.c_str(), row.order}),
+                  row.result)
+            << row.digits << " by " << row.grouping;
+}
+
+struct Case {
+    const char* digits;
+    UINT places, leadingZero, grouping;
+    const char* result;
+};
+
+TEST(NumberFormat, OfEmptyGroupsFractionsAndZeros)
+{
+    const Case cases[] = {
+        {"123456789", 1, 0, 203, "1,234,567,,89.0"},
+        {"123456789", 1, 0, 2030, "1234,567,,89.0"},
+        {"123456789", 1, 0, 2003, "1,234,567,,,89.0"},
+        {"123456789", 1, 0, 1200, "123456,,78,9.0"},
+        {"123456789", 1, 0, 230, "1234,567,89.0"},
+        {"0", 0, 0, 3, "0"},
+        {"", 0, 0, 3, "0"},
+        {"000", 0, 1, 3, "0"},
+        {"0.5", 2, 1, 3, "0.50"},
+        {"0.5", 2, 0, 3, ".50"},
+        {"999.5", 0, 0, 3, "1,000"},
+        {"999.994", 2, 0, 3, "999.99"},
+        {"999.995", 2, 0, 3, "1,000.00"},
+        {"1234.5678", 9, 0, 3, "1,234.567800000"},
+        {"12", 10, 0, 3, "ERROR 87"},
+        {"12", 0, 2, 3, "ERROR 87"},
+    };
+    for (const Case& row : cases)
+        EXPECT_EQ(Formatted(row.digits, {row.places, row.leadingZero, row.grouping, ".", ",", 1}), row.result)
+            << row.digits << " by " << row.grouping;
+}
+
+// Groups of ones that take as long as they should, and nothing that depends on the length of the number.
+TEST(NumberFormat, OfAMillionDigits)
+{
+    const std::string digits(1'000'000, '7');
+    const std::string text = Formatted(digits, {0, 0, 1, ".", ",", 1});
+    EXPECT_EQ(text.size(), 1'999'999u);
+    EXPECT_EQ(text.substr(0, 5), "7,7,7");
+}
+
+class GroupedText : public testing::Test {
+protected:
+    void Use(const std::string& name, const std::string& text)
+    {
+        HKEY key = nullptr;
+        ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Control Panel\\International", 0, nullptr, 0, KEY_WRITE,
+                                  nullptr, &key, nullptr),
+                  0);
+        EXPECT_EQ(RegSetValueExA(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                                 static_cast<DWORD>(text.size() + 1)),
+                  0);
+        RegCloseKey(key);
+    }
+
+    UserSettings m_user;
+};
+
+std::string GroupingText(UINT grouping)
+{
+    std::string text;
+    for (const char digit : std::to_string(grouping))
+        text += std::string(text.empty() ? "" : ";") + digit;
+    return text;
+}
+
+// All recorded rows that the two writers can be brought to write through the user's own settings.
+TEST_F(GroupedText, IsTheRecordedOneByTheUsersSettings)
+{
+    int compared = 0;
+    for (const Recorded& row : TrustedRows()) {
+        const bool isZero = row.digits.find_first_not_of("-0") == std::string::npos;
+        const bool isPlain = row.digits.find_first_not_of("-0123456789") == std::string::npos && !isZero &&
+                             row.digits.find_first_of("123456789") == (row.digits[0] == '-' ? 1u : 0u);
+        if (!isPlain || GroupingText(row.grouping).find_first_of("09") != std::string::npos ||
+            row.decimal.empty() || row.thousands.empty() || row.result.starts_with("ERROR"))
+            continue;
+        Use("sGrouping", GroupingText(row.grouping));
+        Use("iNegNumber", std::to_string(row.order));
+        LocaleUtils::m_csDecimalSeparator = row.decimal;
+        LocaleUtils::m_csThousandsSeparator = row.thousands;
+        const CString text = row.digits[0] == '-'
+                                 ? NumberTextConv::NumberToString(std::stoi(row.digits), true)
+                                 : NumberTextConv::NumberToString(uint64{std::stoull(row.digits)}, true);
+        EXPECT_EQ(text, row.result.c_str()) << row.digits << " by " << row.grouping;
+        ++compared;
+    }
+    EXPECT_GT(compared, 200);
+}
+
+TEST_F(GroupedText, StaysWithinFourCharactersOfASeparatorAndPlainWhereTheFormIsNone)
+{
+    LocaleUtils::m_csThousandsSeparator = "<12345>";
+    EXPECT_EQ(NumberTextConv::NumberToString(-1234567, true), "-1<123234<123567");
+    Use("sGrouping", "1;0");
+    EXPECT_EQ(NumberTextConv::NumberToString(uint64{18446744073709551615u}, true).GetLength(), 20 + 19 * 4);
+    Use("iNegNumber", "7");
+    EXPECT_EQ(NumberTextConv::NumberToString(-1234567, true), "-1234567");
+    EXPECT_EQ(NumberTextConv::NumberToString(12, true), "1<1232");
+}
+
+TEST_F(GroupedText, FollowsTheSettingsAtEachCallButKeepsTheSeparators)
+{
+    m_user.Set("LC_ALL", "de_DE.UTF-8");
+    EXPECT_EQ(NumberTextConv::NumberToString(1234567, true), "1.234.567");
+    m_user.Set("LC_ALL", "hi_IN.UTF-8");
+    EXPECT_EQ(NumberTextConv::NumberToString(1234567, true), "12.34.567");
+    Use("sGrouping", "0");
+    EXPECT_EQ(NumberTextConv::NumberToString(1234567, true), "1234567");
+    EXPECT_EQ(NumberTextConv::NumberToString(0, true), "0");
+    EXPECT_EQ(NumberTextConv::NumberToString(-7, true, 5, "*"), "***-7");
+}
+
+} // namespace
