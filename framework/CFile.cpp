@@ -269,19 +269,19 @@ CString CFile::GetFileTitle() const
 
 void CFile::Remove(const char* fileName)
 {
-    if (!DeleteFileA(fileName))
+    if (!DeleteFileA(CString(fileName)))
         throw LastErrorOf(fileName);
 }
 
 void CFile::Rename(const char* oldName, const char* newName)
 {
-    if (!MoveFileA(oldName, newName))
+    if (!MoveFileA(CString(oldName), CString(newName)))
         throw LastErrorOf(oldName);
 }
 
 bool CFile::GetStatus(const char* fileName, CFileStatus& status)
 {
-    const DWORD attributes = GetFileAttributesA(fileName);
+    const DWORD attributes = GetFileAttributesA(CString(fileName));
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return false;
     CFileStatus found;

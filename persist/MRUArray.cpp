@@ -25,7 +25,6 @@ static void AppendTexts(TextArray& out, const RankedTexts<int>& texts, uint64 mo
 {
     if (most == 0)
         return;
-    out.Reserve(out.GetCount() + static_cast<std::size_t>(std::min<uint64>(most, texts.GetCount())));
     uint64 appended = 0;
     texts.ForEach([&](RankedTexts<int>::Place place) {
         out.Add(texts.GetText(place));
@@ -145,10 +144,15 @@ uint64 MRUArray::GetRecentCount() const
 CString MRUArray::GetRecentAt(uint64 index) const
 {
     constexpr uint64 Near = 32; // nearer than that it is quicker to walk there
-    TextArray front;
     if (index < Near) {
-        AppendTexts(front, m_lists->recent, index + 1);
-        return front.GetCopyAt(static_cast<std::size_t>(index));
+        CString text;
+        m_lists->recent.ForEach([&](RankedTexts<int>::Place place) {
+            if (index-- > 0)
+                return true;
+            text = m_lists->recent.GetText(place);
+            return false;
+        });
+        return text;
     }
     if (!m_lists->isInOrderValid) {
         m_lists->recentInOrder.RemoveAll();

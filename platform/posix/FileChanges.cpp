@@ -124,7 +124,11 @@ DWORD Move(const char* from, const char* to, DWORD flags) noexcept
 class OpenedHandle {
 public:
     explicit OpenedHandle(HANDLE handle) noexcept : m_handle(handle) {}
-    ~OpenedHandle() { Close(); }
+    ~OpenedHandle()
+    {
+        if (IsOpen())
+            Close();
+    }
     OpenedHandle(const OpenedHandle&) = delete;
     OpenedHandle& operator=(const OpenedHandle&) = delete;
 

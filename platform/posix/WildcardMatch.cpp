@@ -1,81 +1,66 @@
 #include "platform/posix/WildcardMatch.h"
 
+#include <bitset>
 #include <cstddef>
 
 namespace {
 
-// A walk of a mask along a name, that can go back to the last `*`. Going back no further is enough: the
-// earliest place where the part between two stars fits leaves the most room for what follows.
-class Walk {
-public:
-    Walk(std::string_view name, std::string_view mask) noexcept
-        : m_name(name), m_mask(mask), m_lastDot(name.rfind('.'))
-    {
+constexpr std::size_t LongestName = 1023;
+
+// After each character of the mask: the lengths of the fronts of the name that the mask fits so far.
+using Fronts = std::bitset<LongestName + 1>;
+
+// Right before a dot a star does not take the last dot of the name.
+Fronts AfterStar(const Fronts& fronts, std::string_view name, bool isBeforeDot)
+{
+    const std::size_t lastDot = isBeforeDot ? name.rfind('.') : std::string_view::npos;
+    Fronts after;
+    bool isReached = false;
+    for (std::size_t front = 0; front <= name.size(); ++front) {
+        if (front != 0 && front - 1 == lastDot)
+            isReached = false;
+        isReached = isReached || fronts[front];
+        after[front] = isReached;
     }
+    return after;
+}
 
-    bool Matches() noexcept
-    {
-        while (m_inMask < m_mask.size() || m_inName < m_name.size())
-            if (!Step() && !TakeOneMoreByStar())
-                return false;
-        return true;
+// At a dot and at the end of the name a question mark takes nothing.
+Fronts AfterQuestionMark(const Fronts& fronts, std::string_view name)
+{
+    Fronts after;
+    for (std::size_t front = 0; front <= name.size(); ++front) {
+        const bool takesNothing = front == name.size() || name[front] == '.';
+        if (fronts[front])
+            after.set(takesNothing ? front : front + 1);
     }
+    return after;
+}
 
-private:
-    bool IsAtEnd() const noexcept { return m_inName == m_name.size(); }
-    bool IsNameAt(char c) const noexcept { return !IsAtEnd() && m_name[m_inName] == c; }
-
-    // One character of the mask.
-    bool Step() noexcept
-    {
-        if (m_inMask == m_mask.size())
-            return false;
-        const char c = m_mask[m_inMask];
-        if (c == '*') {
-            m_afterStar = m_inMask + 1;
-            m_resume = m_inName;
-        } else if (c == '?') {
-            m_inName += IsAtEnd() || IsNameAt('.') ? 0 : 1;
-        } else if (IsNameAt(c)) {
-            ++m_inName;
-        } else if (c != '.' || !IsAtEnd() || !IsOptionalDot()) {
-            return false;
-        }
-        ++m_inMask;
-        return true;
-    }
-
-    // Before wildcards or at the end of the mask.
-    bool IsOptionalDot() const noexcept
-    {
-        const std::size_t next = m_inMask + 1;
-        return next == m_mask.size() || m_mask[next] == '*' || m_mask[next] == '?';
-    }
-
-    bool TakeOneMoreByStar() noexcept
-    {
-        if (m_afterStar == 0 || m_resume == m_name.size())
-            return false;
-        const bool isBeforeDot = m_afterStar < m_mask.size() && m_mask[m_afterStar] == '.';
-        if (isBeforeDot && m_resume == m_lastDot)
-            return false;
-        m_inName = ++m_resume;
-        m_inMask = m_afterStar;
-        return true;
-    }
-
-    const std::string_view m_name;
-    const std::string_view m_mask;
-    const std::size_t m_lastDot;
-    std::size_t m_inName = 0;
-    std::size_t m_inMask = 0;
-    std::size_t m_afterStar = 0; // in the mask; 0 before the first star
-    std::size_t m_resume = 0;    // in the name: what that star does not take
-};
+Fronts AfterCharacter(const Fronts& fronts, std::string_view name, char c)
+{
+    Fronts after;
+    for (std::size_t front = 0; front < name.size(); ++front)
+        after[front + 1] = fronts[front] && name[front] == c;
+    return after;
+}
 
 } // namespace
 
 bool MatchesWildcards(std::string_view name, std::string_view mask) noexcept
 {
-    return Walk(name, mask).Matches();
+    if (name.size() > LongestName)
+        return false;
+    Fronts fronts(1);
+    for (std::size_t i = 0; i < mask.size() && fronts.any(); ++i) {
+        const char next = i + 1 < mask.size() ? mask[i + 1] : '\0';
+        const bool fitsWhole = fronts[name.size()];
+        fronts = mask[i] == '*'   ? AfterStar(fronts, name, next == '.')
+                 : mask[i] == '?' ? AfterQuestionMark(fronts, name)
+                                  : AfterCharacter(fronts, name, mask[i]);
+        // A dot before wildcards or at the end of the mask also fits the end of the name.
+        if (mask[i] == '.' && fitsWhole && (next == '*' || next == '?' || next == '\0'))
+            fronts.set(name.size());
+    }
+    return fronts[name.size()];
 }
