@@ -132,6 +132,8 @@ bool ReadLocale(std::string_view name, Locale& locale)
         return false;
     if (!IsRegion(locale.region))
         locale.region = RegionOf(Likely(locale.language + script));
+    if (!IsRegion(locale.region)) // a language of no country
+        locale.region = "US";
     locale.id = locale.language + script + '_' + locale.region;
     locale.plain = locale.id + "@calendar=gregorian;numbers=latn";
     locale.namesScript = !script.empty() || locale.language == "zh";
@@ -275,7 +277,7 @@ std::u16string CurrencySign(const Locale& locale, const std::u16string& currency
         int32_t length = 0;
         const UChar* const sign =
             ucurr_getName(currency.c_str(), locale.id.c_str(), style, nullptr, &length, &status);
-        if (U_SUCCESS(status) && currency != sign)
+        if (U_SUCCESS(status) && sign != nullptr && currency != sign)
             return {sign, static_cast<std::size_t>(length)};
     }
     return currency;
