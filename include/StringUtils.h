@@ -154,7 +154,7 @@ public:
     // Whether a name fits a file specification, in one of these forms; prefix and suffix match as above. In a
     // specification that has a "*" but does not begin with one, "?" and further "*" are ordinary characters.
     //   "" "*" "*?" "?*" "?*?" "*?*"   everything
-    //   the name itself                ignoring case by the lower-case table
+    //   the name itself                ignoring case as the runtime library folds it
     //   "???"                          names of at most so many characters
     //   "prefix*" "*suffix"            what begins or ends so
     //   "prefix*suffix"                both; they may overlap: "aba" fits "ab*ba"

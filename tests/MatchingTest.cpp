@@ -59,9 +59,7 @@ std::string Lowered(std::string text, bool caseSensitive)
 
 bool SlowEqual(const std::string& a, const std::string& b, bool caseSensitive)
 {
-    return caseSensitive ? a == b : std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return Lower(x) == Lower(y);
-    });
+    return Lowered(a, caseSensitive) == Lowered(b, caseSensitive);
 }
 
 bool SlowQuestionMark(const std::string& text, const std::string& spec, bool caseSensitive)

@@ -48,15 +48,15 @@ bool EndsWith(std::string_view text, std::string_view suffix, bool caseSensitive
     return FitsAt(text.data() + (text.size() - suffix.size()), suffix, caseSensitive);
 }
 
-// With case by bytes, without by the lower-case table.
+// With case by bytes, without as the runtime library folds them.
 bool IsEqual(std::string_view a, std::string_view b, bool caseSensitive)
 {
     if (a.size() != b.size())
         return false;
     if (caseSensitive)
         return a == b;
-    return std::equal(a.begin(), a.end(), b.begin(),
-                      [](char x, char y) { return LowercaseOf(x) == LowercaseOf(y); });
+    const auto lower = RuntimeText::Lowercase();
+    return std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 // Whether lower-cased copies of both, by the runtime library, contain one another.
