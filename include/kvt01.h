@@ -14,6 +14,7 @@
 #include "CPI.h"
 #include "CRect.h"
 #include "CRewindArchive.h"
+#include "CStdioFile.h"
 #include "CString.h"
 #include "CStringArray.h"
 #include "CStringList.h"
