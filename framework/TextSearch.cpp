@@ -18,7 +18,7 @@ using Pair = Candidates::Pair;
 using Probe = Candidates::Probe;
 constexpr std::size_t BlockSize = Candidates::BlockSize;
 
-// ---- which bytes to look for
+// ---- which bytes to look for ----------------------------------------------------------------------------
 
 // The bytes of ordinary text, the most common ones first; those not listed are the rarest.
 constexpr std::string_view CommonBytes = " etaonirshldcumpfgywbvk,.0-1\r\n\txj2qz\"_3456789:/\\'()=;";
@@ -72,7 +72,7 @@ Pair ChoosePair(const char* text, std::string_view pattern, const ByteFold& fold
     return {text + best, text + second, ProbeFor(pattern[best], fold), ProbeFor(pattern[second], fold)};
 }
 
-// ---- looking for them
+// ---- looking for them -----------------------------------------------------------------------------------
 
 using Bits = Candidates::Bits;
 
@@ -206,7 +206,7 @@ __attribute__((target("avx512bw"))) std::size_t ScanBlocksAvx512(const Pair& pai
 
 } // namespace
 
-// ---- candidates
+// ---- candidates -----------------------------------------------------------------------------------------
 
 std::span<const Candidates::ScanFunction> Candidates::UsableScans() noexcept
 {
@@ -268,7 +268,7 @@ bool Candidates::ScanByRareByte(std::size_t from) noexcept
     return ScanTo(at, std::min(at + BlockSize, m_count));
 }
 
-// ---- occurrences
+// ---- occurrences ----------------------------------------------------------------------------------------
 
 namespace {
 

@@ -24,7 +24,7 @@ public:
 
     void SetRestrictions(uint64 maxRecent, uint64 maxPopular); // trims nothing
 
-    // ---- changing
+    // ---- changing ---------------------------------------------------------------------------------------
     void Add(const CString& text); // to both lists
     void AddToRecent(const CString& text);
     // Counts one more use: the text goes to the end of those with the next count. At INT_MAX it stays there.
@@ -35,7 +35,7 @@ public:
     void ReplaceInAll(const CString& from, const CString& to);
     void Clear();
 
-    // ---- the recent list
+    // ---- the recent list --------------------------------------------------------------------------------
     bool HaveRecent() const;
     bool HaveRecent(const CString& text) const;
     uint64 GetRecentCount() const;                   // no more than the limit
@@ -47,7 +47,7 @@ public:
     void GetRecent(TextArray& out, bool limited = true, bool sorted = false, bool ascending = true,
                    bool caseSensitive = true, TextArray::Content content = TextArray::ContentText) const;
 
-    // ---- the popular table
+    // ---- the popular table ------------------------------------------------------------------------------
     bool HavePopular() const;
     // Appends the texts from the highest count down; texts of one count in the order in which they reached
     // it. With `limited` no more than the limit and, deliberately, no more than there are different counts:

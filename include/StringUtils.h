@@ -18,7 +18,7 @@ public:
         bool operator()(const CString& a, const CString& b) const { return a.CompareNoCase(b) < 0; }
     };
 
-    // ---- the tables -----------------------------------------------------------------------------------
+    // ---- the tables -------------------------------------------------------------------------------------
 
     // One entry for each byte value, by the rules of the "C" locale: ASCII letters, digits and white space (9
     // to 13 and 32) are non-zero in the class tables; only ASCII letters change in the case tables. They hold
@@ -33,7 +33,7 @@ public:
     // Writes those values again (a host that changed an entry gets them back). Not for use while others read.
     static void DoPreLoad();
 
-    // ---- single characters ----------------------------------------------------------------------------
+    // ---- single characters ------------------------------------------------------------------------------
 
     // Values outside 0..255 are in no class and have the case form 0.
     static bool IsAlpha(int c) { return IsByte(c) && m_tableIsAlpha[c] != 0; }
@@ -51,7 +51,7 @@ public:
     static bool IsDoubleQuote(char c) { return c == '"'; }
     static bool IsLineBreak(char c) { return c == '\r' || c == '\n'; }
 
-    // ---- whole strings --------------------------------------------------------------------------------
+    // ---- whole strings ----------------------------------------------------------------------------------
 
     // By the lower-case table; a proper prefix sorts first. Bytes of 128 or more are all equal, and equal to
     // NUL.
@@ -68,7 +68,7 @@ public:
     static bool IsEffectivelyEmpty(const CString& s); // empty or nothing but white space
     static void Trim(CString& s);                     // white space by the table, at both ends
 
-    // ---- searching ------------------------------------------------------------------------------------
+    // ---- searching --------------------------------------------------------------------------------------
 
     // Positions are 0-based, -1 is "none"; a start below 0 is 0, one at or past the end finds nothing.
     // Strings are counted: a NUL is a character like any other. Everything here takes time linear in the
@@ -143,7 +143,7 @@ public:
     static bool FindOccurrencePair(const CString& s, const CString& open, const CString& close, int n,
                                    int& first, int& second);
 
-    // ---- matching -------------------------------------------------------------------------------------
+    // ---- matching ---------------------------------------------------------------------------------------
 
     // Whether the text begins, or ends, with the other. Nothing but an empty text does so with an empty one.
     // Ignoring case, ASCII letters match in both cases and all other characters only themselves (but a NUL in
@@ -171,7 +171,7 @@ public:
     //   "abcX" by "ab?Z" -> true, "xb" by "?b" -> true, "x" by "?" -> false
     static bool MatchSpecQuestionMark(const CString& text, const CString& spec, bool caseSensitive = true);
 
-    // ---- parts of texts -------------------------------------------------------------------------------
+    // ---- parts of texts ---------------------------------------------------------------------------------
 
     // The common front of two texts, or of all that are not empty; as it is spelled in the first one given,
     // unless it is the whole of the second. Ignoring case by the upper-case table.

@@ -58,8 +58,7 @@ void MRUArray::SetRestrictions(uint64 maxRecent, uint64 maxPopular)
     m_maxPopular = maxPopular;
 }
 
-// ---- changing
-// ----------------------------------------------------------------------------------------------------
+// ---- changing -------------------------------------------------------------------------------------------
 
 void MRUArray::Add(const CString& text)
 {
@@ -123,8 +122,7 @@ void MRUArray::Clear()
     *m_lists = Lists();
 }
 
-// ---- the recent list
-// ---------------------------------------------------------------------------------------------
+// ---- the recent list ------------------------------------------------------------------------------------
 
 bool MRUArray::HaveRecent() const
 {
@@ -184,8 +182,7 @@ void MRUArray::GetRecent(TextArray& out, bool limited, bool sorted, bool ascendi
         out.Sort(ascending, caseSensitive, content);
 }
 
-// ---- the popular table
-// -------------------------------------------------------------------------------------------
+// ---- the popular table ----------------------------------------------------------------------------------
 
 bool MRUArray::HavePopular() const
 {
@@ -198,8 +195,7 @@ void MRUArray::GetPopular(TextArray& out, bool limited) const
     AppendTexts(out, popular, limited ? std::min<uint64>(m_maxPopular, popular.GetRankCount()) : All);
 }
 
-// ---- the record
-// --------------------------------------------------------------------------------------------------
+// ---- the record -----------------------------------------------------------------------------------------
 
 namespace {
 

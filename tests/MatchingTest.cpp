@@ -10,7 +10,7 @@
 
 namespace {
 
-// ---- the rules, with a copy for every piece
+// ---- the rules, with a copy for every piece -------------------------------------------------------------
 
 int Lower(char c)
 {
@@ -122,7 +122,7 @@ std::string SlowCommonChars(const std::string& a, const std::string& b, bool cas
     return b.size() < a.size() ? b : a;
 }
 
-// ---- comparing with them
+// ---- comparing with them --------------------------------------------------------------------------------
 
 TEST(Matching, AnswersAsTheRulesDo)
 {

@@ -34,8 +34,7 @@ List::iterator FindIn(List& list, const CString& text)
     return std::find_if(list.begin(), list.end(), [&](const CString& s) { return s.Compare(text) == 0; });
 }
 
-// ---- the rules as they read, with nothing but lists searched from the front
-// --------------------------------------
+// ---- the rules as they read, with nothing but lists searched from the front -----------------------------
 
 template <class Rank>
 bool TakeFromBuckets(Buckets<Rank>& buckets, const CString& text, Rank& rank)
@@ -358,8 +357,7 @@ TEST(MruArray, UnusualRecordsAreMadeGood)
     EXPECT_EQ(AsList(popular), (List{"c", "a", "b"}));
 }
 
-// ---- by time
-// -----------------------------------------------------------------------------------------------------
+// ---- by time --------------------------------------------------------------------------------------------
 
 struct SlowTimes {
     Buckets<uint64> totals;

@@ -81,7 +81,7 @@ bool ContainsLowered(std::string_view text, std::string_view wanted)
     return false;
 }
 
-// ---- wildcards
+// ---- wildcards ------------------------------------------------------------------------------------------
 
 std::size_t IndexOf(std::string_view spec, char c)
 {

@@ -21,7 +21,7 @@
 
 namespace {
 
-// ---- ICU's objects and texts
+// ---- ICU's objects and texts ----------------------------------------------------------------------------
 
 template <auto Close>
 struct Closer {
@@ -58,7 +58,7 @@ void ReplaceAll(std::u16string& text, char16_t from, char16_t to)
     std::replace(text.begin(), text.end(), from, to);
 }
 
-// ---- the locale
+// ---- the locale -----------------------------------------------------------------------------------------
 
 struct Locale {
     std::string id;       // as ICU writes it: de_AT, sr_Latn_RS
@@ -140,7 +140,7 @@ bool ReadLocale(std::string_view name, Locale& locale)
     return true;
 }
 
-// ---- telling
+// ---- telling --------------------------------------------------------------------------------------------
 
 // One '?' for each unit that has no place in the code page, as on the original platform; ICU's own callback
 // leaves out what is invisible.
@@ -182,7 +182,7 @@ private:
     Converter m_converter;
 };
 
-// ---- names
+// ---- names ----------------------------------------------------------------------------------------------
 
 void TellNames(const Locale& locale, const Teller& teller)
 {
@@ -201,7 +201,7 @@ void TellNames(const Locale& locale, const Teller& teller)
                 }));
 }
 
-// ---- numbers and money
+// ---- numbers and money ----------------------------------------------------------------------------------
 
 std::u16string Symbol(const NumberFormat& format, UNumberFormatSymbol symbol)
 {
@@ -308,7 +308,7 @@ void TellMoney(const Locale& locale, const Teller& teller)
     teller.Tell(LOCALE_INEGCURR, IndexOf(NegativeShapes, negative));
 }
 
-// ---- dates and times
+// ---- dates and times ------------------------------------------------------------------------------------
 
 // A field of ICU's patterns in the platform's letters; the year always has four digits, but for an explicit
 // yy.
@@ -381,7 +381,7 @@ std::u16string TimePattern(const Locale& locale)
     return pattern;
 }
 
-// ---- the short AM and PM texts, which ICU's date formats do not tell
+// ---- the short AM and PM texts, which ICU's date formats do not tell ------------------------------------
 
 // The locale whose data stand in for what is not in this one's; empty above the root.
 std::string ParentOf(const Bundle& bundle)
