@@ -1,5 +1,7 @@
 #include "framework/TextSearch.h"
 
+#include "framework/CpuFeatures.h"
+
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -213,9 +215,7 @@ std::span<const Candidates::ScanFunction> Candidates::UsableScans() noexcept
 #if defined(__x86_64__)
     static constexpr ScanFunction Scans[] = {ScanBlocksAvx512, ScanBlocksAvx2, ScanBlocksSse2,
                                              ScanBlocksPortable};
-    const std::size_t quickest = __builtin_cpu_supports("avx512bw") ? 0
-                                 : __builtin_cpu_supports("avx2")   ? 1
-                                                                    : 2;
+    const std::size_t quickest = CpuFeatures::HasAvx512Bw() ? 0 : CpuFeatures::HasAvx2() ? 1 : 2;
 #else
     static constexpr ScanFunction Scans[] = {ScanBlocksPortable};
     const std::size_t quickest = 0;
