@@ -3,8 +3,8 @@
 
 #if defined(__x86_64__)
 
-#if __has_include(<sys/platform/x86.h>)
-#include <sys/platform/x86.h> // what the C library found out at its own start: nothing of ours runs at load
+#if __has_include(<sys/platform/x86.h>) && !defined(__clang__) // which does not take that header as C++
+#include <sys/platform/x86.h> // the C library looked at its own start: nothing of ours runs at load
 #define KVT01_CPU_HAS(feature, name) (CPU_FEATURE_ACTIVE(feature) != 0)
 #else
 #define KVT01_CPU_HAS(feature, name) (__builtin_cpu_supports(name) != 0)

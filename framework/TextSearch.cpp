@@ -1,11 +1,10 @@
 #include "framework/TextSearch.h"
 
-#include "framework/CpuFeatures.h"
-
 #include <algorithm>
 #include <cstring>
 #include <new>
 
+#include "framework/CpuFeatures.h"
 #include "framework/RuntimeText.h"
 
 #if defined(__x86_64__)
