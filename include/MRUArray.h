@@ -55,8 +55,8 @@ public:
     void GetPopular(TextArray& out, bool limited = true) const;
 
     // Stores what the limits let through. Loading replaces both lists (the limits stay) once all is read, so
-    // that an exception leaves them as they were; a record of an unknown version changes nothing. Texts that
-    // stand twice are taken once, where they rank highest.
+    // that an exception leaves them as they were; a record of an unknown version raises CArchiveException.
+    // Texts that stand twice are taken once, where they rank highest.
     void Serialize(CArchive& archive);
 
 private:

@@ -222,7 +222,7 @@ PopularTable CutTable(const RankedTexts<int>& popular, uint64 most)
     return table;
 }
 
-bool LoadRecord(CArchive& archive, TextArray& recent, PopularTable& table)
+void LoadRecord(CArchive& archive, TextArray& recent, PopularTable& table)
 {
     WORD version = 0;
     archive >> version;
@@ -233,13 +233,13 @@ bool LoadRecord(CArchive& archive, TextArray& recent, PopularTable& table)
         recent.Serialize(archive, true);
         ContainerRecord::LoadBy(archive, table, version < CurrentProtected,
                                 ContainerRecord::ProtectedValue());
-        return true;
+        break;
     case CurrentPlain:
         recent.Serialize(archive);
         ContainerRecord::Load(archive, table, false);
-        return true;
+        break;
     default:
-        return false;
+        throw CArchiveException(CArchiveException::badSchema);
     }
 }
 
@@ -263,8 +263,7 @@ void MRUArray::Serialize(CArchive& archive)
         return;
     }
     PopularTable table;
-    if (!LoadRecord(archive, recent, table))
-        return;
+    LoadRecord(archive, recent, table);
     Clear();
     AppendNew(m_lists->recent, RecentRank, recent);
     for (auto bucket = table.rbegin(); bucket != table.rend(); ++bucket)

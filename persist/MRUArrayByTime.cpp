@@ -131,7 +131,7 @@ void MRUArrayByTime::Serialize(CArchive& archive)
     WORD version = 0;
     archive >> version;
     if (version != RecordVersion)
-        return;
+        throw CArchiveException(CArchiveException::badSchema);
     LoadTable(archive, table);
     *m_texts = Texts();
     for (const auto& [total, texts] : table)
