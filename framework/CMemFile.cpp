@@ -46,7 +46,8 @@ bool CMemFile::Open(const char*, UINT, CFileException* error)
     return false;
 }
 
-// Grows by half at least, so that n bytes in small pieces are moved O(n) times in all.
+// Doubles at least, so that n bytes in small pieces cost O(n) moves; room that is not used costs no memory
+// yet.
 void CMemFile::EnsureCapacity(uint64 needed)
 {
     if (needed <= m_capacity)
@@ -56,7 +57,7 @@ void CMemFile::EnsureCapacity(uint64 needed)
     if (needed > static_cast<uint64>(PTRDIFF_MAX))
         throw std::bad_alloc();
     const std::size_t least =
-        m_capacity + std::max(m_capacity / 2, std::min<std::size_t>(m_growBytes, PTRDIFF_MAX));
+        m_capacity + std::max(m_capacity, std::min<std::size_t>(m_growBytes, PTRDIFF_MAX));
     const std::size_t capacity = std::max(static_cast<std::size_t>(needed), least);
     void* const memory = std::realloc(m_attached ? nullptr : m_bytes, capacity);
     if (memory == nullptr)
