@@ -250,8 +250,9 @@ TEST(CString, MovesLeaveNothingBehind)
         CString from(Sample(length));
         CString to(std::move(from));
         EXPECT_TRUE(from.IsEmpty()); // NOLINT(bugprone-use-after-move): that is what is tested
-        to = std::move(to);
-        to = *&to;
+        CString& same = to;
+        to = std::move(same);
+        to = same;
         from = std::move(to);
         ExpectSame(from, Sample(length));
         ExpectSame(to, "");
