@@ -8,7 +8,9 @@ namespace {
 
 // Indexed by descriptor, so the system hands out the places. Untouched pages of it take no memory.
 constexpr std::size_t Places = std::size_t{1} << 20;
-constinit std::atomic<unsigned char> rightsOfDescriptor[Places];
+constinit unsigned char rightsOfDescriptor[Places] = {};
+
+using Place = std::atomic_ref<unsigned char>;
 
 // Handles are multiples of four above zero, as on the original platform.
 constexpr std::uintptr_t HandleStep = 4;
@@ -18,7 +20,8 @@ HANDLE HandleFor(int descriptor) noexcept
     return reinterpret_cast<HANDLE>((static_cast<std::uintptr_t>(descriptor) + 1) * HandleStep);
 }
 
-std::atomic<unsigned char>* PlaceOf(HANDLE handle) noexcept
+// nullptr for what cannot be a handle.
+unsigned char* PlaceOf(HANDLE handle) noexcept
 {
     const auto number = reinterpret_cast<std::uintptr_t>(handle);
     if (number == 0 || number % HandleStep != 0 || number / HandleStep > Places)
@@ -32,14 +35,14 @@ HANDLE OpenFiles::Add(int descriptor, unsigned rights) noexcept
 {
     if (static_cast<std::size_t>(descriptor) >= Places)
         return INVALID_HANDLE_VALUE;
-    rightsOfDescriptor[descriptor] = static_cast<unsigned char>(rights | Open);
+    Place{rightsOfDescriptor[descriptor]}.store(static_cast<unsigned char>(rights | Open));
     return HandleFor(descriptor);
 }
 
 unsigned OpenFiles::RightsOf(HANDLE handle) noexcept
 {
-    const auto* const place = PlaceOf(handle);
-    return place == nullptr ? None : place->load(std::memory_order_acquire);
+    unsigned char* const place = PlaceOf(handle);
+    return place == nullptr ? None : Place(*place).load();
 }
 
 int OpenFiles::DescriptorOf(HANDLE handle) noexcept
@@ -49,6 +52,7 @@ int OpenFiles::DescriptorOf(HANDLE handle) noexcept
 
 int OpenFiles::Remove(HANDLE handle) noexcept
 {
-    auto* const place = PlaceOf(handle);
-    return place == nullptr || place->exchange(None) == None ? -1 : DescriptorOf(handle);
+    unsigned char* const place = PlaceOf(handle);
+    const bool isOpen = place != nullptr && Place(*place).exchange(None) != None;
+    return isOpen ? DescriptorOf(handle) : -1;
 }
