@@ -9,9 +9,9 @@ set_target_properties(kvt01_icu PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILI
 kvt01_own_code(kvt01_icu)
 install(TARGETS kvt01_icu LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
-# Whoever is built from the library's objects finds the module built as well: in the build tree beside the library,
-# and beside the test program, which holds the objects itself.
-add_dependencies(kvt01_objects kvt01_icu)
+# Whoever builds the library gets the module as well: in the build tree beside the library, and beside the test
+# program, which holds the library's objects itself.
+add_dependencies(kvt01 kvt01_icu)
 if(KVT01_TESTS)
   add_custom_command(TARGET kvt01_icu POST_BUILD COMMAND ${CMAKE_COMMAND} -E create_symlink
                      $<TARGET_FILE:kvt01_icu> ${CMAKE_CURRENT_BINARY_DIR}/tests/$<TARGET_FILE_NAME:kvt01_icu>)

@@ -53,7 +53,7 @@ void StepToWeekday(DateTime& date, int dayOfWeek, int days)
 
 DateEntry::~DateEntry() = default;
 
-// ---- validity
+// ---- validity -------------------------------------------------------------------------------------------
 
 bool DateEntry::IsValid() const
 {
@@ -81,7 +81,7 @@ bool DateEntry::IsValidMoved() const
     return complete && m_nBeforeAfter >= -DaysPerWeek && m_nBeforeAfter <= DaysPerWeek;
 }
 
-// ---- whole rules
+// ---- whole rules ----------------------------------------------------------------------------------------
 
 void DateEntry::SetRule(const CString& desc, OCCURRENCE occurrence, int day, int dayOfWeek, int month)
 {
@@ -118,7 +118,7 @@ void DateEntry::SetBeforeAfterDayOfWeek(const CString& desc, OCCURRENCE occurren
     m_nBeforeAfter = beforeAfter;
 }
 
-// ---- the rule's date
+// ---- the rule's date ------------------------------------------------------------------------------------
 
 void DateEntry::GetDateFor(int year, DateTime& date) const
 {
@@ -176,7 +176,7 @@ int DateEntry::ConvertOccurrence(OCCURRENCE occurrence)
     return occurrence >= OccurrenceFirst && occurrence <= OccurrenceSixth ? occurrence : 0;
 }
 
-// ---- whether a day is the rule's date
+// ---- whether a day is the rule's date -------------------------------------------------------------------
 
 bool DateEntry::IsMatch(int day, int month, int year) const
 {

@@ -20,7 +20,7 @@ int ThreeWay(int a, int b)
 
 } // namespace
 
-// ---- setting
+// ---- setting --------------------------------------------------------------------------------------------
 
 DateTime::DateTime(int year, int month, int day, int hour, int minute, int second) noexcept
 {
@@ -84,7 +84,7 @@ void DateTime::SetSecond(int second) noexcept
     SetTime(GetHour(), GetMinute(), second);
 }
 
-// ---- the parts
+// ---- the parts ------------------------------------------------------------------------------------------
 
 void DateTime::Get(int& year, int& month, int& day, int& hour, int& minute, int& second) const noexcept
 {
@@ -99,7 +99,7 @@ void DateTime::GetTime(int& hour, int& minute, int& second) const noexcept
     second = GetSecond();
 }
 
-// ---- the calendar
+// ---- the calendar ---------------------------------------------------------------------------------------
 
 int DateTime::GetDaysInMonth(int year, int month) noexcept
 {
@@ -126,7 +126,7 @@ int DateTime::DayOfYear(int year, int month, int day) noexcept
     return lowered ? dayOfYear - DaysSkipped : dayOfYear;
 }
 
-// ---- the rule of the weekday
+// ---- the rule of the weekday ----------------------------------------------------------------------------
 
 int DateTime::GetCenturyCode(int century) const noexcept
 {
@@ -165,7 +165,7 @@ int DateTime::GetDayOfWeek(int year, int month, int day) noexcept
     return IsDate(year, month, day) ? WeekdayByRule({year, month, day}) : 0;
 }
 
-// ---- arithmetic
+// ---- arithmetic -----------------------------------------------------------------------------------------
 
 void DateTime::AddDays(int n) noexcept
 {
@@ -218,7 +218,7 @@ void DateTime::AddMonthsSameDay(int n) noexcept
     SetDate(target.year, target.month, firstDay + weeksBefore * DaysPerWeek);
 }
 
-// ---- comparing
+// ---- comparing ------------------------------------------------------------------------------------------
 
 int DateTime::CompareDate(const DateTime& other) const noexcept
 {
@@ -230,7 +230,7 @@ int DateTime::CompareTime(const DateTime& other) const noexcept
     return ThreeWay(TimeRank(), other.TimeRank());
 }
 
-// ---- spans of seconds
+// ---- spans of seconds -----------------------------------------------------------------------------------
 
 void DateTime::ConvertDeltaToSeconds(const DateTime& a, const DateTime& b, int64& seconds) noexcept
 {

@@ -33,7 +33,7 @@ unsigned int Number(LCTYPE item)
     return value;
 }
 
-// ---- the platform's numbers for forms, each as an index; a number past the end counts as the last row
+// ---- the platform's numbers for forms, each as an index; a number past the end counts as the last row ---
 
 struct DateOrder {
     unsigned int day, month, year;
@@ -91,7 +91,7 @@ const Row& Chosen(const Row (&rows)[Count], LCTYPE item)
     return rows[number < Count ? number : Count - 1];
 }
 
-// ---- the registry
+// ---- the registry ---------------------------------------------------------------------------------------
 
 struct CloseKey {
     void operator()(HKEY key) const { RegCloseKey(key); }

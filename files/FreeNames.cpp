@@ -82,7 +82,8 @@ CString FileUtils::GetTempFile(const CString& dir, const CString& prefix, unsign
 void FileUtils::ConvertToLongFileName(CString& path)
 {
     if (path[1] == ':' && path.Find('~') >= 0 && path.GetLength() < MAX_PATH && PathExists(path))
-        ConvertBy([](const char* from, char* to, DWORD size) { return GetLongPathNameA(from, to, size); }, path);
+        ConvertBy([](const char* from, char* to, DWORD size) { return GetLongPathNameA(from, to, size); },
+                  path);
 }
 
 void DirUtils::ConvertToLongPathName(CString& path)
@@ -93,5 +94,6 @@ void DirUtils::ConvertToLongPathName(CString& path)
 void FileUtils::ConvertToShortFileName(CString& path)
 {
     if (!path.IsEmpty() && path.GetLength() < MAX_PATH && PathExists(path))
-        ConvertBy([](const char* from, char* to, DWORD size) { return GetShortPathNameA(from, to, size); }, path);
+        ConvertBy([](const char* from, char* to, DWORD size) { return GetShortPathNameA(from, to, size); },
+                  path);
 }

@@ -34,7 +34,7 @@ void EnsureTrailing(char separator, CString& path)
 
 } // namespace
 
-// ---- taking apart -------------------------------------------------------------------------------------------------
+// ---- taking apart ---------------------------------------------------------------------------------------
 
 CString FileUtils::ParseFileNameFromPath(const CString& path, bool withExtension)
 {
@@ -49,7 +49,8 @@ CString FileUtils::GetFileExt(const CString& path)
     if (dot == std::string_view::npos)
         return {};
     const auto extension = text.substr(dot + 1);
-    return extension.find('\\') == std::string_view::npos ? CString(extension) : CString(); // kept: / is no separator here
+    const bool isInName = extension.find('\\') == std::string_view::npos; // kept: / is no separator here
+    return isInName ? CString(extension) : CString();
 }
 
 void FileUtils::Split(const CString& path, CString& dir, CString& name, CString& ext)
@@ -59,7 +60,8 @@ void FileUtils::Split(const CString& path, CString& dir, CString& name, CString&
     const bool hasDot = fileName.find('.') != std::string_view::npos;
     dir = CString(PathParts::Folder(whole.View()));
     name = hasDot ? CString(PathParts::BaseName(fileName)) : CString();
-    ext = CString(hasDot ? PathParts::Extension(fileName) : fileName); // kept: a name without a dot is all extension
+    // Kept: a name without a dot is all extension.
+    ext = CString(hasDot ? PathParts::Extension(fileName) : fileName);
     if (dir.IsEmpty()) {
         StringUtils::Trim(ext);
         StringUtils::Trim(name);
@@ -106,7 +108,7 @@ bool DirUtils::BreakUpDirs(const CString& path, TextArray& parts)
     return true;
 }
 
-// ---- separators at the end ----------------------------------------------------------------------------------------
+// ---- separators at the end ------------------------------------------------------------------------------
 
 void DirUtils::EnsureTrailingBackslash(CString& path)
 {
@@ -125,7 +127,7 @@ void DirUtils::RemoveTrailingSlash(CString& path)
         path.Truncate(path.GetLength() - 1);
 }
 
-// ---- comparing ----------------------------------------------------------------------------------------------------
+// ---- comparing ------------------------------------------------------------------------------------------
 
 CString DirUtils::FindCommonParentDir(const CString& a, const CString& b)
 {
@@ -165,7 +167,7 @@ uint64 DirUtils::IsInDirList(const CString& dir, const TextArray& list, bool& sa
     return list.GetCount();
 }
 
-// ---- bad characters -----------------------------------------------------------------------------------------------
+// ---- bad characters -------------------------------------------------------------------------------------
 
 CString FileUtils::GetBadFileNameChars(bool strict)
 {

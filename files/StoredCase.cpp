@@ -42,8 +42,9 @@ private:
 
 enum class Wanted { Folder, Anything };
 
-// The name in this folder ("" or ending in a separator) that equals `name` ignoring case, as it is stored: an exact match if
-// there is one, else the first in byte order. A name that cannot be listed but exists is taken as passed.
+// The name in this folder ("" or ending in a separator) that equals `name` ignoring case, as it is stored: an
+// exact match if there is one, else the first in byte order. A name that cannot be listed but exists is taken
+// as passed.
 std::optional<CString> StoredName(const CString& folder, const CString& name, Wanted wanted)
 {
     std::optional<CString> found;
@@ -58,7 +59,8 @@ std::optional<CString> StoredName(const CString& folder, const CString& name, Wa
     return found || !PathExists(folder + name) ? found : name;
 }
 
-// The start of the result: the first part, found below the separator in front of it, or a drive in upper case.
+// The start of the result: the first part, found below the separator in front of it, or a drive in upper
+// case.
 std::optional<CString> StoredFirstPart(const CString& front, const CString& part)
 {
     constexpr int ShorterThan = 4; // with its separator: "c:\"
@@ -79,7 +81,8 @@ std::optional<CString> StoredFolder(const CString& dirPath)
     if (parts.IsEmpty())
         return beginsWithSeparator ? std::optional(result) : std::nullopt;
     for (std::size_t i = 0; i < parts.GetCount(); ++i) {
-        const auto name = i == 0 ? StoredFirstPart(result, parts[i]) : StoredName(result, parts[i], Wanted::Folder);
+        const auto name =
+            i == 0 ? StoredFirstPart(result, parts[i]) : StoredName(result, parts[i], Wanted::Folder);
         if (!name)
             return std::nullopt;
         result += *name + '\\';

@@ -45,8 +45,7 @@ const char* CArchiveException::what() const noexcept
     return texts[isKnown ? m_cause : genericException];
 }
 
-// ---- opening and closing
-// -----------------------------------------------------------------------------------------
+// ---- opening and closing --------------------------------------------------------------------------------
 
 CArchive::CArchive(CFile* file, UINT mode, int bufferSize, void* buffer)
     : m_file(file), m_mode(mode), m_bufferSize(static_cast<std::size_t>(std::max(bufferSize, MinBuffer))),
@@ -117,8 +116,7 @@ void CArchive::RequireLoading() const
         throw CArchiveException(CArchiveException::writeOnly);
 }
 
-// ---- storing
-// -----------------------------------------------------------------------------------------------------
+// ---- storing --------------------------------------------------------------------------------------------
 
 // What the file refuses is dropped, so that a later try cannot write the same bytes twice.
 void CArchive::WritePending()
@@ -176,8 +174,7 @@ void CArchive::WriteCount(uint64 count)
         *this << MoreThanWord << MoreThanDword << count;
 }
 
-// ---- loading
-// -----------------------------------------------------------------------------------------------------
+// ---- loading --------------------------------------------------------------------------------------------
 
 // Fills the buffer behind what is unread; 0 at the end of the data.
 std::size_t CArchive::Fetch()
@@ -285,8 +282,7 @@ uint64 CArchive::ReadCount()
     return count;
 }
 
-// ---- texts
-// -------------------------------------------------------------------------------------------------------
+// ---- texts ----------------------------------------------------------------------------------------------
 
 uint64 CArchive::LoadTextLength(bool& isWide)
 {

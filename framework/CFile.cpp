@@ -58,8 +58,7 @@ LARGE_INTEGER Large(int64 value)
 
 } // namespace
 
-// ---- the exception
-// -----------------------------------------------------------------------------------------------
+// ---- the exception --------------------------------------------------------------------------------------
 
 static CString CauseText(int cause, LONG osError)
 {
@@ -127,8 +126,7 @@ void CFile::RequireOpen() const
         throw CFileException(CFileException::invalidFile, 0, m_strFileName);
 }
 
-// ---- opening and closing
-// -----------------------------------------------------------------------------------------
+// ---- opening and closing --------------------------------------------------------------------------------
 
 CFile::CFile(const char* fileName, UINT openFlags)
 {
@@ -177,8 +175,7 @@ void CFile::Abort() noexcept
     m_strFileName.Empty();
 }
 
-// ---- bytes
-// -------------------------------------------------------------------------------------------------------
+// ---- bytes ----------------------------------------------------------------------------------------------
 
 std::size_t CFile::Read(void* buffer, std::size_t count)
 {
@@ -254,8 +251,7 @@ void CFile::Flush()
         ThrowLastError();
 }
 
-// ---- names
-// -------------------------------------------------------------------------------------------------------
+// ---- names ----------------------------------------------------------------------------------------------
 
 CString CFile::GetFileName() const
 {
@@ -269,19 +265,19 @@ CString CFile::GetFileTitle() const
 
 void CFile::Remove(const char* fileName)
 {
-    if (!DeleteFileA(fileName))
+    if (!DeleteFileA(CString(fileName)))
         throw LastErrorOf(fileName);
 }
 
 void CFile::Rename(const char* oldName, const char* newName)
 {
-    if (!MoveFileA(oldName, newName))
+    if (!MoveFileA(CString(oldName), CString(newName)))
         throw LastErrorOf(oldName);
 }
 
 bool CFile::GetStatus(const char* fileName, CFileStatus& status)
 {
-    const DWORD attributes = GetFileAttributesA(fileName);
+    const DWORD attributes = GetFileAttributesA(CString(fileName));
     if (attributes == INVALID_FILE_ATTRIBUTES)
         return false;
     CFileStatus found;

@@ -66,7 +66,9 @@ CString CFileFind::GetRoot() const
 
 uint64 CFileFind::GetLength() const
 {
-    return m_search == nullptr ? 0 : uint64{m_search->current.nFileSizeHigh} << 32 | m_search->current.nFileSizeLow;
+    return m_search == nullptr
+               ? 0
+               : uint64{m_search->current.nFileSizeHigh} << 32 | m_search->current.nFileSizeLow;
 }
 
 FILETIME CFileFind::GetCreationTime() const

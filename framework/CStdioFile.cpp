@@ -9,7 +9,7 @@ constexpr std::size_t BufferSize = 1 << 16;
 
 } // namespace
 
-// ---- opening and closing
+// ---- opening and closing --------------------------------------------------------------------------------
 
 CStdioFile::CStdioFile(const char* fileName, UINT openFlags)
 {
@@ -54,7 +54,7 @@ void CStdioFile::Abort() noexcept
     CFile::Abort();
 }
 
-// ---- the buffer
+// ---- the buffer -----------------------------------------------------------------------------------------
 
 std::string_view CStdioFile::Unread() const noexcept
 {
@@ -111,7 +111,7 @@ void CStdioFile::Put(std::string_view bytes)
     }
 }
 
-// ---- reading
+// ---- reading --------------------------------------------------------------------------------------------
 
 bool CStdioFile::ReadString(CString& line)
 {
@@ -161,7 +161,7 @@ std::size_t CStdioFile::Read(void* buffer, std::size_t count)
     return done;
 }
 
-// ---- writing
+// ---- writing --------------------------------------------------------------------------------------------
 
 void CStdioFile::WriteText(std::string_view text)
 {
@@ -186,7 +186,7 @@ void CStdioFile::Write(const void* buffer, std::size_t count)
     Put(text);
 }
 
-// ---- position and length
+// ---- position and length --------------------------------------------------------------------------------
 
 uint64 CStdioFile::Seek(int64 offset, UINT from)
 {

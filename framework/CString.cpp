@@ -33,8 +33,7 @@ std::size_t Size(int length) noexcept
 
 } // namespace
 
-// ---- representation
-// ---------------------------------------------------------------------------------------------
+// ---- representation -------------------------------------------------------------------------------------
 
 void CString::ThrowTooLong()
 {
@@ -157,8 +156,7 @@ CString::CString(char c, int count) : m_bytes{}
     SetLength(std::max(count, 0));
 }
 
-// ---- joining
-// ------------------------------------------------------------------------------------------------------
+// ---- joining --------------------------------------------------------------------------------------------
 
 CString& CString::Append(const char* text, int length)
 {
@@ -188,8 +186,7 @@ void CString::SetAt(int index, char c)
         Writable(0)[index] = c;
 }
 
-// ---- comparing
-// ----------------------------------------------------------------------------------------------------
+// ---- comparing ------------------------------------------------------------------------------------------
 
 int CString::Compare(const char* other) const noexcept
 {
@@ -206,8 +203,7 @@ int CString::Collate(const char* other) const noexcept
     return std::strcoll(GetString(), other == nullptr ? "" : other);
 }
 
-// ---- searching
-// ----------------------------------------------------------------------------------------------------
+// ---- searching ------------------------------------------------------------------------------------------
 
 int CString::Find(const char* text, int start) const noexcept
 {
@@ -229,8 +225,7 @@ int CString::FindOneOf(const char* set) const noexcept
     return static_cast<int>(static_cast<std::ptrdiff_t>(View().find_first_of(ViewOf(set))));
 }
 
-// ---- parts
-// --------------------------------------------------------------------------------------------------------
+// ---- parts ----------------------------------------------------------------------------------------------
 
 CString CString::Left(int count) const
 {
@@ -279,8 +274,7 @@ CString CString::Tokenize(const char* separators, int& start) const
     return Mid(static_cast<int>(first), static_cast<int>(last - first));
 }
 
-// ---- changing in place
-// ----------------------------------------------------------------------------------------------
+// ---- changing in place ----------------------------------------------------------------------------------
 
 template <class Step>
 CString& CString::ChangeEach(Step step)
@@ -445,8 +439,7 @@ void CString::Truncate(int length)
     SetLength(length);
 }
 
-// ---- formatting
-// -------------------------------------------------------------------------------------------------------
+// ---- formatting -----------------------------------------------------------------------------------------
 
 void CString::FormatV(const char* format, std::va_list arguments)
 {
@@ -467,8 +460,7 @@ std::ostream& operator<<(std::ostream& out, const CString& text)
     return out << text.View();
 }
 
-// ---- the buffer
-// -------------------------------------------------------------------------------------------------------
+// ---- the buffer -----------------------------------------------------------------------------------------
 
 char* CString::GetBuffer(int minLength)
 {

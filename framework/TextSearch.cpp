@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 
+#include "framework/CpuFeatures.h"
 #include "framework/RuntimeText.h"
 
 #if defined(__x86_64__)
@@ -18,7 +19,7 @@ using Pair = Candidates::Pair;
 using Probe = Candidates::Probe;
 constexpr std::size_t BlockSize = Candidates::BlockSize;
 
-// ---- which bytes to look for
+// ---- which bytes to look for ----------------------------------------------------------------------------
 
 // The bytes of ordinary text, the most common ones first; those not listed are the rarest.
 constexpr std::string_view CommonBytes = " etaonirshldcumpfgywbvk,.0-1\r\n\txj2qz\"_3456789:/\\'()=;";
@@ -72,7 +73,7 @@ Pair ChoosePair(const char* text, std::string_view pattern, const ByteFold& fold
     return {text + best, text + second, ProbeFor(pattern[best], fold), ProbeFor(pattern[second], fold)};
 }
 
-// ---- looking for them
+// ---- looking for them -----------------------------------------------------------------------------------
 
 using Bits = Candidates::Bits;
 
@@ -87,19 +88,38 @@ void ScanPlaces(const Pair& pair, std::size_t from, std::size_t end, Bits& bits)
 {
     bits.fill(0);
     for (std::size_t i = 0; i < end - from; ++i) {
-        const bool fits =
-            pair.firstProbe.Fits(pair.first[from + i]) & pair.secondProbe.Fits(pair.second[from + i]);
-        bits[i / 64] |= std::uint64_t{fits} << i % 64;
+        const std::uint64_t first = pair.firstProbe.Fits(pair.first[from + i]);
+        const std::uint64_t second = pair.secondProbe.Fits(pair.second[from + i]);
+        bits[i / 64] |= (first & second) << i % 64;
     }
+}
+
+// Whether any of eight places fits both probes, which is where their differences have a zero byte.
+bool AnyOfEightFits(const Pair& pair, std::size_t from) noexcept
+{
+    constexpr std::uint64_t Each = 0x0101010101010101;
+    std::uint64_t first = 0;
+    std::uint64_t second = 0;
+    std::memcpy(&first, pair.first + from, sizeof first);
+    std::memcpy(&second, pair.second + from, sizeof second);
+    const std::uint64_t differences =
+        ((first | pair.firstProbe.ignored * Each) ^ pair.firstProbe.wanted * Each) |
+        ((second | pair.secondProbe.ignored * Each) ^ pair.secondProbe.wanted * Each);
+    return ((differences - Each) & ~differences & 0x80 * Each) != 0;
 }
 
 std::size_t ScanBlocksPortable(const Pair& pair, std::size_t from, std::size_t end, Bits& bits) noexcept
 {
     for (; end - from >= BlockSize; from = NextBlock(pair, from)) {
-        ScanPlaces(pair, from, from + BlockSize, bits);
-        if (std::ranges::any_of(bits, [](std::uint64_t word) { return word != 0; }))
-            break;
+        bool any = false;
+        for (std::size_t i = 0; i < BlockSize && !any; i += 8)
+            any = AnyOfEightFits(pair, from + i);
+        if (any) {
+            ScanPlaces(pair, from, from + BlockSize, bits);
+            return from;
+        }
     }
+    bits.fill(0);
     return from;
 }
 
@@ -187,16 +207,14 @@ __attribute__((target("avx512bw"))) std::size_t ScanBlocksAvx512(const Pair& pai
 
 } // namespace
 
-// ---- candidates
+// ---- candidates -----------------------------------------------------------------------------------------
 
 std::span<const Candidates::ScanFunction> Candidates::UsableScans() noexcept
 {
 #if defined(__x86_64__)
     static constexpr ScanFunction Scans[] = {ScanBlocksAvx512, ScanBlocksAvx2, ScanBlocksSse2,
                                              ScanBlocksPortable};
-    const std::size_t quickest = __builtin_cpu_supports("avx512bw") ? 0
-                                 : __builtin_cpu_supports("avx2")   ? 1
-                                                                    : 2;
+    const std::size_t quickest = CpuFeatures::HasAvx512Bw() ? 0 : CpuFeatures::HasAvx2() ? 1 : 2;
 #else
     static constexpr ScanFunction Scans[] = {ScanBlocksPortable};
     const std::size_t quickest = 0;
@@ -249,7 +267,7 @@ bool Candidates::ScanByRareByte(std::size_t from) noexcept
     return ScanTo(at, std::min(at + BlockSize, m_count));
 }
 
-// ---- occurrences
+// ---- occurrences ----------------------------------------------------------------------------------------
 
 namespace {
 
@@ -279,13 +297,14 @@ std::size_t Occurrences::Next(std::size_t from) noexcept
 {
     if (m_borders != nullptr)
         return NextByAutomaton(from);
+    m_start = std::min(m_start, from);
     for (std::size_t at = m_candidates.Next(from); at != None; at = m_candidates.Next(at + 1)) {
         const std::size_t matched = CommonLength(m_text.data() + at, m_pattern, *m_fold);
         if (matched == m_pattern.size())
             return at;
         // "aaaa..." in "aaaa...b": comparing at every place would take quadratic time.
         m_wasted += matched;
-        if (m_wasted / 8 > at + 1024 && PrepareAutomaton())
+        if (m_wasted / 8 > at - m_start + 1024 && PrepareAutomaton())
             return NextByAutomaton(at + 1);
     }
     return None;
@@ -326,7 +345,7 @@ std::size_t Occurrences::NextByAutomaton(std::size_t from) noexcept
 int Find(std::string_view text, std::string_view wanted, int start) noexcept
 {
     const auto from = static_cast<std::size_t>(std::max(start, 0));
-    constexpr std::size_t Short = 64; // too little text for the preparation to pay
+    constexpr std::size_t Short = BlockSize + 64; // too little text for the preparation to pay
     std::size_t found = None;
     if (wanted.empty() || text.size() < from + Short)
         found = text.find(wanted, from);

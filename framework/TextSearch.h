@@ -126,7 +126,8 @@ private:
     std::string_view m_pattern;
     const ByteFold* m_fold;
     Candidates m_candidates;
-    std::size_t m_wasted = 0; // characters compared in vain
+    std::size_t m_start = None; // where the search began
+    std::size_t m_wasted = 0;   // characters compared in vain since
     // For each length of a matched front of the pattern, that of its longest shorter end which is a front
     // too; made only when the candidates are of no use.
     std::unique_ptr<std::uint32_t[]> m_borders;

@@ -68,7 +68,7 @@ public:
     void Close();          // Flush, then lets go of the file, which stays open
     void Abort() noexcept; // lets go of the file without Flush
 
-    // ---- raw bytes; blocks larger than the buffer go straight between the file and the caller's memory
+    // ---- raw bytes; blocks larger than the buffer go straight between the file and the caller's memory --
     // Read answers how many bytes it got, fewer than asked for only at the end of the data; EnsureRead raises
     // endOfFile then.
     std::size_t Read(void* buffer, std::size_t count);
@@ -78,7 +78,7 @@ public:
     // not know its length.
     uint64 GetBytesAhead() const noexcept;
 
-    // ---- numbers and bool
+    // ---- numbers and bool -------------------------------------------------------------------------------
     template <ArchiveNumber Number>
     CArchive& operator<<(Number value)
     {
@@ -112,7 +112,7 @@ public:
     requires(std::is_arithmetic_v<T> && !ArchiveNumber<T> && !std::same_as<T, bool>) CArchive&
     operator>>(T&) = delete;
 
-    // ---- texts
+    // ---- texts ------------------------------------------------------------------------------------------
     // A text that was stored as UTF-16 loads as Windows-1252, with a '?' for every 16-bit unit that has no
     // character there; such texts are never stored.
     CArchive& operator<<(const CString& text) { return StoreText(text.View()); }

@@ -7,8 +7,8 @@
 //     }
 //
 // Only the last part of a pattern may hold * and ?; *.* finds names without a dot too. A pattern of only such
-// characters finds the folders . and .. too. The order is the file system's. Before the first FindNextFile the
-// getters answer with empty text, 0 or false.
+// characters finds the folders . and .. too. The order is the file system's. Before the first FindNextFile
+// the getters answer with empty text, 0 or false.
 #pragma once
 
 #include "BasicTypes.h"

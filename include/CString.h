@@ -120,8 +120,7 @@ public:
     CString& operator=(char c) { return *this = CString(c); }
     void Swap(CString& other) noexcept { std::swap(m_bytes, other.m_bytes); }
 
-    // ---- the text as a whole; pointers hold until the next change
-    // ------------------------------------------
+    // ---- the text as a whole; pointers hold until the next change ---------------------------------------
     int GetLength() const noexcept { return IsLong() ? LongLength() : m_bytes[TagAt]; }
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     const char* GetString() const noexcept { return IsLong() ? LongText() : m_bytes; }
@@ -134,8 +133,7 @@ public:
     void SetString(const char* text) { *this = CString(text); }
     void SetString(const char* text, int length) { *this = CString(text, length); }
 
-    // ---- single characters; a position outside the text reads as NUL, and SetAt does nothing there
-    // ----------
+    // ---- single characters; a position outside the text reads as NUL, and SetAt does nothing there ------
     char GetAt(int index) const noexcept
     {
         return index >= 0 && index < GetLength() ? GetString()[index] : '\0';
@@ -148,8 +146,7 @@ public:
     }
     void SetAt(int index, char c);
 
-    // ---- joining
-    // -------------------------------------------------------------------------------------------
+    // ---- joining ----------------------------------------------------------------------------------------
     CString& operator+=(const CString& other)
     {
         const int length = GetLength();
@@ -174,11 +171,10 @@ public:
     CString& Append(const char* text, int length); // the text may be a piece of this string
     CString& AppendChar(char c);
 
-    // ---- comparing
-    // ----------------------------------------------------------------------------------------- Compare,
-    // CompareNoCase and Collate are the runtime library's strcmp, case-insensitive comparison and strcoll:
-    // they end at the first NUL, and the last two follow the current locale. The operators compare whole
-    // counted texts as unsigned bytes. All three-way results are below, equal to or above 0.
+    // ---- comparing --------------------------------------------------------------------------------------
+    // Compare, CompareNoCase and Collate are the runtime library's strcmp, case-insensitive comparison and
+    // strcoll: they end at the first NUL, and the last two follow the current locale. The operators compare
+    // whole counted texts as unsigned bytes. All three-way results are below, equal to or above 0.
     int Compare(const char* other) const noexcept;
     int Compare(const CString& other) const noexcept
     {
@@ -206,9 +202,8 @@ public:
         return a.View() <=> ViewOf(b);
     }
 
-    // ---- searching: the position found, or -1; a negative start counts as 0
-    // ---------------------------------- An empty text is found at the start position, if that lies inside
-    // the string or at its end.
+    // ---- searching: the position found, or -1; a negative start counts as 0 -----------------------------
+    // An empty text is found at the start position, if that lies inside the string or at its end.
     int Find(char c, int start = 0) const noexcept
     {
         const int length = GetLength();
@@ -224,8 +219,7 @@ public:
     int ReverseFind(char c) const noexcept;
     int FindOneOf(const char* set) const noexcept;
 
-    // ---- parts
-    // ---------------------------------------------------------------------------------------------
+    // ---- parts ------------------------------------------------------------------------------------------
     CString Left(int count) const;
     CString Mid(int first) const { return Mid(first, GetLength()); }
     CString Mid(int first, int count) const;
@@ -238,8 +232,7 @@ public:
     //   "  a b" by " ": start 0 -> "a" and 4, then "b" and 5, then "" and -1
     CString Tokenize(const char* separators, int& start) const;
 
-    // ---- changing in place
-    // ---------------------------------------------------------------------------------
+    // ---- changing in place ------------------------------------------------------------------------------
     CString& MakeLower(); // byte by byte, by the runtime library's current locale
     CString& MakeUpper();
     CString& MakeReverse();
@@ -262,12 +255,11 @@ public:
     int Replace(const CString& from, const CString& to); // the same for counted texts
     void Truncate(int length);                           // keeps at most that many characters
 
-    // ---- formatting
-    // ---------------------------------------------------------------------------------------- printf's
-    // directives (flags, width, precision, * included). The type of each argument decides how it is read, so
-    // length modifiers (h, l, ll, z, I64) are accepted and need not fit; a CString or std::string serves for
-    // %s. A directive without an argument is left standing, an argument of another kind is shown in its own
-    // kind's form, arguments left over are ignored, and %n writes nothing. FormatV is plain vsnprintf.
+    // ---- formatting -------------------------------------------------------------------------------------
+    // printf's directives (flags, width, precision, * included). The type of each argument decides how it is
+    // read, so length modifiers (h, l, ll, z, I64) are accepted and need not fit; a CString or std::string
+    // serves for %s. A directive without an argument is left standing, an argument of another kind is shown
+    // in its own kind's form, arguments left over are ignored, and %n writes nothing. FormatV is vsnprintf.
     //   Format("%s: %5.1f%%", name, 12.34) -> "name:  12.3%"
     template <class... Arguments>
     void Format(const char* format, const Arguments&... arguments)
@@ -285,11 +277,10 @@ public:
     }
     void FormatV(const char* format, std::va_list arguments);
 
-    // ---- the buffer
-    // ---------------------------------------------------------------------------------------- GetBuffer
-    // gives room for at least `minLength` characters and a NUL, holding the present text; it may be written
-    // until ReleaseBuffer sets the new length (-1: up to the first NUL). In between no other operation of
-    // this object may be called.
+    // ---- the buffer -------------------------------------------------------------------------------------
+    // GetBuffer gives room for at least `minLength` characters and a NUL, holding the present text; it may be
+    // written until ReleaseBuffer sets the new length (-1: up to the first NUL). In between no other
+    // operation of this object may be called.
     char* GetBuffer(int minLength = 0);
     char* GetBufferSetLength(int length);
     void ReleaseBuffer(int newLength = -1);

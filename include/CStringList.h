@@ -43,7 +43,7 @@ public:
     auto end() const noexcept { return m_items.end(); }
     friend bool operator==(const CStringList& a, const CStringList& b) { return a.m_items == b.m_items; }
 
-    // ---- both ends; a list given by pointer is added as a whole, in its order, and may be this one
+    // ---- both ends; a list given by pointer is added as a whole, in its order, and may be this one ------
     CString GetHead() const { return IsEmpty() ? CString() : m_items.front(); }
     CString GetTail() const { return IsEmpty() ? CString() : m_items.back(); }
     POSITION AddHead(const CString& s) { return POSITION(m_items.insert(m_items.begin(), s)); }
@@ -75,7 +75,7 @@ public:
         return *here;
     }
 
-    // ---- at a position
+    // ---- at a position ----------------------------------------------------------------------------------
     CString GetAt(const POSITION& at) const { return at == nullptr ? CString() : *at.m_at; }
     void SetAt(const POSITION& at, const CString& s)
     {
@@ -96,7 +96,7 @@ public:
         return POSITION(m_items.insert(at == nullptr ? m_items.cend() : std::next(at.m_at), s));
     }
 
-    // ---- searching, in time proportional to the steps; null when there is none
+    // ---- searching, in time proportional to the steps; null when there is none --------------------------
     POSITION Find(const CString& s, const POSITION& after = nullptr) const // equal as whole counted texts
     {
         auto at = after == nullptr ? m_items.begin() : std::next(after.m_at);

@@ -60,14 +60,14 @@ public:
     // and a fixed day with a before/after is refused when the year type is odd or even years.
     virtual bool IsValid() const;
 
-    // ---- whole rules: what is not named here becomes 0 or false; the ID always stays
+    // ---- whole rules: what is not named here becomes 0 or false; the ID always stays --------------------
     void SetDay(const CString& desc, int day, int month); // before/after stays too, which hosts rely on
     void SetDayOfWeek(const CString& desc, OCCURRENCE occurrence, int dayOfWeek, int month);
     void SetBeforeAfterDay(const CString& desc, int day, int month, int beforeAfter);
     void SetBeforeAfterDayOfWeek(const CString& desc, OCCURRENCE occurrence, int dayOfWeek, int month,
                                  int beforeAfter);
 
-    // ---- single fields
+    // ---- single fields ----------------------------------------------------------------------------------
     void SetOccurrence(OCCURRENCE occurrence) { m_occurrence = occurrence; }
     OCCURRENCE GetOccurrence() const { return m_occurrence; }
     void SetYearType(YEARTYPE yearType) { m_yearType = yearType; }
@@ -92,7 +92,7 @@ public:
     void SetDesc(const CString& desc) { m_csDesc = desc; }
     const CString& GetDesc() const { return m_csDesc; }
 
-    // ---- the rule's date
+    // ---- the rule's date --------------------------------------------------------------------------------
     // The date half is missing afterwards when the year has no such date (30 February, a fifth Friday, an
     // unknown weekday or occurrence); the time half stays. The year filter is not asked.
     void GetDateFor(int year, DateTime& date) const;
@@ -104,7 +104,7 @@ public:
     void ApplyBeforeAfterDay(DateTime& date) const;
     static int ConvertOccurrence(OCCURRENCE occurrence); // 1..6; 0 for every other value
 
-    // ---- whether a day is the rule's date
+    // ---- whether a day is the rule's date ---------------------------------------------------------------
     // All three parts match. The month is that of the rule, not of the date: what before/after moves into the
     // next month is matched by the rule's month with the moved day.
     bool IsMatch(int day, int month, int year) const;

@@ -9,7 +9,7 @@
 //   the second         0 ... 86399 of the day; -1 = no time
 // Any other number also counts as missing; arithmetic that leaves the range produces such numbers.
 //
-// ---- Kept as stored dates depend on it: autumn 1582
+// ---- Kept as stored dates depend on it: autumn 1582 -----------------------------------------------------
 // October 1582 has the days 1 to 21, which read back as such and stand for 1 to 4 and 15 to 31; 22 to 31 are
 // rejected. A date set in that autumn gets a lower day number than the one that reads back as this date: by
 // 10 from 5 to 14 October, by 20 from 15 to 21 October, by 10 from day 15 of November and of December on. 15
@@ -39,7 +39,7 @@ public:
     // All or nothing: both halves are missing when any part is out of range. (Set differs.)
     DateTime(int year, int month, int day, int hour, int minute, int second) noexcept;
 
-    // ---- setting: year 1..9999, month 1..12, day 1..GetDaysInMonth; hour 0..23, minute and second 0..59
+    // ---- setting: year 1..9999, month 1..12, day 1..GetDaysInMonth; hour 0..23, minute and second 0..59 -
     // Each half by itself: one that is out of range keeps what it had.
     void Set(int year, int month, int day, int hour, int minute, int second) noexcept;
     void SetDate(int year, int month, int day) noexcept;
@@ -63,7 +63,7 @@ public:
     void SetMinute(int minute) noexcept;
     void SetSecond(int second) noexcept;
 
-    // ---- from other forms of a moment
+    // ---- from other forms of a moment -------------------------------------------------------------------
     void Set(const std::tm& time) noexcept; // each half by itself
     // A moment in UTC, taken as local time; both halves are missing when the platform cannot convert it
     // (before 1970 or after the year 3000; a file time from 2^63 on). The local time of a moment goes by the
@@ -75,7 +75,7 @@ public:
     // is out of range.
     void Set(const COleDateTime& date) noexcept;
 
-    // ---- into other forms of a moment
+    // ---- into other forms of a moment -------------------------------------------------------------------
     void Get(int& year, int& month, int& day, int& hour, int& minute, int& second) const noexcept;
     // Only from 1 January 1970 to 18 January 2038; other dates leave the output as it is and report a
     // failure. Weekday, day of the year and summer time are never written. A missing time is written as
@@ -88,7 +88,7 @@ public:
     // February 1500.
     void Get(COleDateTime& date) const noexcept;
 
-    // ---- the parts; a missing date reads as 0, 0, 0, a missing time as 0, 0, -1
+    // ---- the parts; a missing date reads as 0, 0, 0, a missing time as 0, 0, -1 -------------------------
     void GetDate(int& year, int& month, int& day) const noexcept;
     int GetYear() const noexcept { return ReadDate().year; }
     int GetMonth() const noexcept { return ReadDate().month; }
@@ -105,7 +105,7 @@ public:
     // code ends there, and before 1600 it is not adapted to the Julian calendar.
     int GetDayOfWeek() const noexcept;
 
-    // ---- the calendar; 0 or false for what is out of range
+    // ---- the calendar; 0 or false for what is out of range ----------------------------------------------
     static bool IsLeapYear(int year) noexcept;
     static int GetDaysInMonth(int year, int month) noexcept; // 21 in October 1582
     static int GetDaysInYear(int year) noexcept;             // 355 in 1582; 365 also for years out of range
@@ -113,7 +113,7 @@ public:
     static int GetDayOfWeek(int year, int month, int day) noexcept; // by the same rule as above
     int DaysFromDay1(int year, int month, int day) const noexcept;  // the day number
 
-    // ---- the rule of the weekday: (year % 100 + month code + day + leap years + century code) % 7 + 1
+    // ---- the rule of the weekday: (year % 100 + month code + day + leap years + century code) % 7 + 1 ---
     // The century is year / 100. The code stops at 25, and all others get -1: kept, rules by weekday rely on
     // it.
     int GetCenturyCode(int century) const noexcept; // 5, 4, 2, 0 in turn
@@ -122,7 +122,7 @@ public:
     // February. Year 0 never counts, and years out of range give 0.
     int GetCenturyLeapYearCount(int year, int month) const noexcept;
 
-    // ---- arithmetic; nothing happens when n is 0 or the half that it starts from is missing
+    // ---- arithmetic; nothing happens when n is 0 or the half that it starts from is missing -------------
     // The day number is not checked afterwards: outside its range the date is missing. Products and sums of
     // 32 bits wrap, here and in the next group.
     void AddDays(int n) noexcept;
@@ -141,7 +141,7 @@ public:
     // changes where the new month has none (a fifth one).
     void AddMonthsSameDay(int n) noexcept;
 
-    // ---- comparing
+    // ---- comparing --------------------------------------------------------------------------------------
     // -1, 0 or 1; a missing half comes before every other, and two missing ones are equal.
     int CompareDate(const DateTime& other) const noexcept;
     int CompareTime(const DateTime& other) const noexcept;
@@ -150,7 +150,7 @@ public:
     friend bool operator<(const DateTime& a, const DateTime& b) noexcept { return IsBefore(a, b); }
     friend bool operator>(const DateTime& a, const DateTime& b) noexcept { return IsBefore(b, a); }
 
-    // ---- spans of seconds
+    // ---- spans of seconds -------------------------------------------------------------------------------
     // a - b; 0 unless all four halves are valid.
     static void ConvertDeltaToSeconds(const DateTime& a, const DateTime& b, int64& seconds) noexcept;
     // Any numbers, negative ones too. Hours and minutes are multiplied in 32 bits and wrap there, all else

@@ -15,7 +15,7 @@ class FrameworkArray {
 public:
     using Index = std::ptrdiff_t;
 
-    // ---- size
+    // ---- size -------------------------------------------------------------------------------------------
     Index GetSize() const noexcept { return static_cast<Index>(m_items.size()); }
     Index GetCount() const noexcept { return GetSize(); }
     Index GetUpperBound() const noexcept { return GetSize() - 1; }
@@ -29,7 +29,7 @@ public:
     void RemoveAll() noexcept { m_items.clear(); }
     void FreeExtra() { m_items.shrink_to_fit(); }
 
-    // ---- elements
+    // ---- elements ---------------------------------------------------------------------------------------
     T GetAt(Index index) const { return IsInside(index) ? Item(index) : T(); }
     void SetAt(Index index, const T& value)
     {
@@ -57,7 +57,7 @@ public:
         return a.m_items == b.m_items;
     }
 
-    // ---- adding and removing
+    // ---- adding and removing ----------------------------------------------------------------------------
     Index Add(const T& value) // the index of the new element
     {
         m_items.push_back(value);

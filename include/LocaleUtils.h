@@ -28,7 +28,7 @@ public:
     static CString GetLocaleInfoFor(unsigned long lcType);
     static void GetLocaleInfoNumberFor(unsigned long lcType, unsigned int& value);
 
-    // ---- texts
+    // ---- texts ------------------------------------------------------------------------------------------
     static CString GetCurrencySymbol();
     static CString GetDecimalSeparator();
     static CString GetThousandsSeparator();
@@ -44,7 +44,7 @@ public:
     static CString GetMonthName(int month, bool abbreviated = false);
     static CString GetDayName(int day, bool abbreviated = false);
 
-    // ---- numbers
+    // ---- numbers ----------------------------------------------------------------------------------------
     static unsigned int GetCountryCode(); // of the telephone
     static unsigned int GetNumberFractionalDigits();
     static unsigned int GetCurrencyFractionalDigits();
@@ -60,13 +60,13 @@ public:
     // The places 0, 1, 2 of day, month and year in a short date.
     static void GetDateOrdering(unsigned int& dayPos, unsigned int& monthPos, unsigned int& yearPos);
 
-    // ---- forms of negative numbers and of money
+    // ---- forms of negative numbers and of money ---------------------------------------------------------
     static void GetNegNumberFormat(bool& spaceAfterSign, bool& signFirst, bool& parentheses);
     static bool GetCurrencySymbolIsPrefix(bool& separated);
     static void GetNegCurrencySymbolFormat(bool& useMinus, bool& minusBeforeSymbol, bool& minusAfterNumber,
                                            bool& parentheses);
 
-    // ---- groups of digits as the decimal digits of one number: 3 is threes, 32 one three and then twos
+    // ---- groups of digits as the decimal digits of one number: 3 is threes, 32 one three and then twos --
     static unsigned int GetDigitGrouping();
     static unsigned int GetCurrencyGrouping();
     // The digits 1 to 8 of the text in a row, all else skipped; a number beyond 32 bits wraps.

@@ -24,7 +24,7 @@ public:
 
     void SetRestrictions(uint64 maxRecent, uint64 maxPopular); // trims nothing
 
-    // ---- changing
+    // ---- changing ---------------------------------------------------------------------------------------
     void Add(const CString& text); // to both lists
     void AddToRecent(const CString& text);
     // Counts one more use: the text goes to the end of those with the next count. At INT_MAX it stays there.
@@ -35,7 +35,7 @@ public:
     void ReplaceInAll(const CString& from, const CString& to);
     void Clear();
 
-    // ---- the recent list
+    // ---- the recent list --------------------------------------------------------------------------------
     bool HaveRecent() const;
     bool HaveRecent(const CString& text) const;
     uint64 GetRecentCount() const;                   // no more than the limit
@@ -47,7 +47,7 @@ public:
     void GetRecent(TextArray& out, bool limited = true, bool sorted = false, bool ascending = true,
                    bool caseSensitive = true, TextArray::Content content = TextArray::ContentText) const;
 
-    // ---- the popular table
+    // ---- the popular table ------------------------------------------------------------------------------
     bool HavePopular() const;
     // Appends the texts from the highest count down; texts of one count in the order in which they reached
     // it. With `limited` no more than the limit and, deliberately, no more than there are different counts:
@@ -55,8 +55,8 @@ public:
     void GetPopular(TextArray& out, bool limited = true) const;
 
     // Stores what the limits let through. Loading replaces both lists (the limits stay) once all is read, so
-    // that an exception leaves them as they were; a record of an unknown version changes nothing. Texts that
-    // stand twice are taken once, where they rank highest.
+    // that an exception leaves them as they were; a record of an unknown version raises CArchiveException.
+    // Texts that stand twice are taken once, where they rank highest.
     void Serialize(CArchive& archive);
 
 private:

@@ -18,7 +18,7 @@ public:
     // The digits' values are constants; kept for hosts that call it.
     static void DoPreLoad() {}
 
-    // ---- integers to text, plain or in the user's groups of digits and with the user's form of a minus
+    // ---- integers to text, plain or in the user's groups of digits and with the user's form of a minus --
     // The pad is put in front as a whole until the text has `minWidth` characters, so one of several
     // characters may overshoot; an empty one pads nothing.
     //   (7, false, 3, "0") -> "007"   (7, false, 4, "ab") -> "abab7"   (-1234, true) -> "-1,234"
@@ -26,13 +26,13 @@ public:
                                   const CString& pad = CString());
     static CString NumberToString(uint64 value, bool grouped = false);
 
-    // ---- text to integers: all digits of the text in a row, whatever stands between them, negative when
+    // ---- text to integers: all digits of the text in a row, whatever stands between them, negative when -
     // there is a '(' or '-' anywhere. No overflow check: the result is the number modulo 2^32 or 2^64.
     //   "1,234" -> 1234   "1.5" -> 15   "1 2 3" -> 123   "(5)", "5-" -> -5   "" -> 0
     static int GetNumberFromString(const CString& s);
     static int64 GetNumber64FromString(const CString& s);
 
-    // ---- text to a decimal number
+    // ---- text to a decimal number -----------------------------------------------------------------------
     // What stands before the first digit is skipped, but '-' there, and '(' with `parenthesesNegative`, makes
     // the number negative and a decimal separator begins the fraction. Then thousands separators are skipped,
     // also in the fraction; another decimal separator begins the fraction's places anew; any other character
@@ -42,7 +42,7 @@ public:
     //   "abc 12" -> 12   ".5" -> 0.5   "5-" -> 5   "1,234.50" -> 1234.5   "1.2.3" -> 1.5
     static double GetDoubleFromString(const CString& s, bool parenthesesNegative = false);
 
-    // ---- the rest
+    // ---- the rest ---------------------------------------------------------------------------------------
     // Drops zeros from the end of a text that holds the decimal separator, then the separator's first
     // character if it is now the last one. An empty separator is in no text.
     //   "12.500" -> "12.5"   "12.000" -> "12"   "120" -> "120"
@@ -67,7 +67,7 @@ public:
     static int GetDigitCount(unsigned long value) { return GetDigitCount(uint64{value}); }
     static int GetDigitCount(uint64 value);
 
-    // ---- bytes as decimal numbers separated by ", ": 12, 0, 255. Reading takes the low 8 bits of what
+    // ---- bytes as decimal numbers separated by ", ": 12, 0, 255. Reading takes the low 8 bits of what ---
     // GetNumberFromString makes of each piece between two separators, also of an empty one, and is the
     // inverse of writing; an empty text has no piece. What the output held before is dropped.
     static void ConvertByteArrayToString(const CByteArray& bytes, CString& out);

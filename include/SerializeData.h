@@ -43,7 +43,7 @@ concept TextMapValue =
 
 class KVT01_API SerializeData {
 public:
-    // ---- vectors
+    // ---- vectors ----------------------------------------------------------------------------------------
     static void Serialize(CArchive& archive, std::vector<bool>& list, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::vector<int>& list, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::vector<uint64>& list, bool bLegacy = false);
@@ -51,12 +51,12 @@ public:
     static void Serialize(CArchive& archive, std::vector<CString>& list, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::vector<std::string>& list, bool bLegacy = false);
 
-    // ---- sets of texts
+    // ---- sets of texts ----------------------------------------------------------------------------------
     template <TextKey Text, TextOrder<Text> Order>
     static void Serialize(CArchive& archive, std::set<Text, Order>& set, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::unordered_set<std::string>& set, bool bLegacy = false);
 
-    // ---- maps
+    // ---- maps -------------------------------------------------------------------------------------------
     template <IntMapValue Value>
     static void Serialize(CArchive& archive, std::map<int, Value>& map, bool bLegacy = false);
     template <TextKey Key, TextMapValue Value, TextOrder<Key> Order>
@@ -72,18 +72,18 @@ public:
     static void Serialize(CArchive& archive, std::map<int, CString>& map,
                           const std::unordered_set<int>& protectedKeys, bool bLegacy = false);
 
-    // ---- texts that may be encrypted: stored exactly as Serialize stores them, in clear, but loaded as
+    // ---- texts that may be encrypted: stored exactly as Serialize stores them, in clear, but loaded as --
     // encrypted-string records. What these store they cannot load; older data depend on it.
     static void SerializeEncrypted(CArchive& archive, std::vector<CString>& list, bool bLegacy = false);
     template <TextOrder<CString> Order>
     static void SerializeEncrypted(CArchive& archive, std::map<CString, int, Order>& map,
                                    bool bLegacy = false);
 
-    // ---- single values
+    // ---- single values ----------------------------------------------------------------------------------
     static void Serialize(CArchive& archive, bool& value);
     static void Serialize(CArchive& archive, std::string& text);
 
-    // ---- the number of elements of a container
+    // ---- the number of elements of a container ----------------------------------------------------------
     // Storing: writes `count` as 8 bytes and returns it. Loading: returns the count read (4 bytes if
     // bLegacy).
     static uint64 SerializeLoopCounter(CArchive& archive, uint64 count, bool bLegacy = false);

@@ -1,8 +1,8 @@
 // StringUtils: character classes, orderings, searching and wildcard matching of narrow text.
 //
-// Everything here is static, allocates nothing it does not return, and never fails: input out of range gets
-// the neutral answer named with the operation. Characters taken from strings are signed: a byte of 128 or
-// more is never a letter, digit or space, and counts as 0 where case is ignored by the tables.
+// Everything here is static and never fails: input out of range gets the neutral answer named with the
+// operation. Characters taken from strings are signed: a byte of 128 or more is never a letter, digit or
+// space, and counts as 0 where case is ignored by the tables.
 #pragma once
 
 #include "CString.h"
@@ -18,11 +18,13 @@ public:
         bool operator()(const CString& a, const CString& b) const { return a.CompareNoCase(b) < 0; }
     };
 
-    // ---- the tables -----------------------------------------------------------------------------------
+    // ---- the tables -------------------------------------------------------------------------------------
 
     // One entry for each byte value, by the rules of the "C" locale: ASCII letters, digits and white space (9
     // to 13 and 32) are non-zero in the class tables; only ASCII letters change in the case tables. They hold
-    // these values from the moment the library is mapped; no later change of the locale touches them.
+    // these values from the moment the library is mapped; no later change of the locale touches them. They
+    // are for reading: the searches have the same values built in and do not follow an entry that was
+    // changed.
     static int m_tableIsAlpha[256];
     static int m_tableIsDigit[256];
     static int m_tableIsSpace[256];
@@ -31,7 +33,7 @@ public:
     // Writes those values again (a host that changed an entry gets them back). Not for use while others read.
     static void DoPreLoad();
 
-    // ---- single characters ----------------------------------------------------------------------------
+    // ---- single characters ------------------------------------------------------------------------------
 
     // Values outside 0..255 are in no class and have the case form 0.
     static bool IsAlpha(int c) { return IsByte(c) && m_tableIsAlpha[c] != 0; }
@@ -49,7 +51,7 @@ public:
     static bool IsDoubleQuote(char c) { return c == '"'; }
     static bool IsLineBreak(char c) { return c == '\r' || c == '\n'; }
 
-    // ---- whole strings --------------------------------------------------------------------------------
+    // ---- whole strings ----------------------------------------------------------------------------------
 
     // By the lower-case table; a proper prefix sorts first. Bytes of 128 or more are all equal, and equal to
     // NUL.
@@ -66,7 +68,7 @@ public:
     static bool IsEffectivelyEmpty(const CString& s); // empty or nothing but white space
     static void Trim(CString& s);                     // white space by the table, at both ends
 
-    // ---- searching ------------------------------------------------------------------------------------
+    // ---- searching --------------------------------------------------------------------------------------
 
     // Positions are 0-based, -1 is "none"; a start below 0 is 0, one at or past the end finds nothing.
     // Strings are counted: a NUL is a character like any other. Everything here takes time linear in the
@@ -141,7 +143,7 @@ public:
     static bool FindOccurrencePair(const CString& s, const CString& open, const CString& close, int n,
                                    int& first, int& second);
 
-    // ---- matching -------------------------------------------------------------------------------------
+    // ---- matching ---------------------------------------------------------------------------------------
 
     // Whether the text begins, or ends, with the other. Nothing but an empty text does so with an empty one.
     // Ignoring case, ASCII letters match in both cases and all other characters only themselves (but a NUL in
@@ -149,10 +151,10 @@ public:
     static bool MatchFirstChars(const CString& text, const CString& prefix, bool caseSensitive = true);
     static bool MatchLastChars(const CString& text, const CString& suffix, bool caseSensitive = true);
 
-    // Whether a name fits a file specification. These forms count; in all of them prefix and suffix match as
-    // above, and a "?" in them is an ordinary character where there is a "*" in the middle or at the end.
+    // Whether a name fits a file specification, in one of these forms; prefix and suffix match as above. In a
+    // specification that has a "*" but does not begin with one, "?" and further "*" are ordinary characters.
     //   "" "*" "*?" "?*" "?*?" "*?*"   everything
-    //   the name itself                ignoring case by the lower-case table
+    //   the name itself                ignoring case as the runtime library folds it
     //   "???"                          names of at most so many characters
     //   "prefix*" "*suffix"            what begins or ends so
     //   "prefix*suffix"                both; they may overlap: "aba" fits "ab*ba"
@@ -169,7 +171,7 @@ public:
     //   "abcX" by "ab?Z" -> true, "xb" by "?b" -> true, "x" by "?" -> false
     static bool MatchSpecQuestionMark(const CString& text, const CString& spec, bool caseSensitive = true);
 
-    // ---- parts of texts -------------------------------------------------------------------------------
+    // ---- parts of texts ---------------------------------------------------------------------------------
 
     // The common front of two texts, or of all that are not empty; as it is spelled in the first one given,
     // unless it is the whole of the second. Ignoring case by the upper-case table.

@@ -36,7 +36,7 @@ public:
     // refreshed.
     static CString& m_csDecimal;
 
-    // ---- elements
+    // ---- elements ---------------------------------------------------------------------------------------
     void Add(const CString& s) { m_strings.push_back(s); }
     void Add(CString&& s) { m_strings.push_back(std::move(s)); }
     void Add(const char* s) { m_strings.emplace_back(s); }
@@ -71,7 +71,7 @@ public:
     std::vector<CString>::const_iterator end() const { return m_strings.end(); }
     friend bool operator==(const TextArray& a, const TextArray& b) { return a.m_strings == b.m_strings; }
 
-    // ---- simple edits
+    // ---- simple edits -----------------------------------------------------------------------------------
     void Trim(std::size_t count); // keeps at most the first `count`
     void Reverse();
     void Swap(std::size_t i, std::size_t j);
@@ -106,7 +106,7 @@ public:
     void Dump() const; // a line "[index] text" for each element, to standard error
     void Serialize(CArchive& archive, bool decrypt = false);
 
-    // ---- searching: linear, with the equality told above
+    // ---- searching: linear, with the equality told above ------------------------------------------------
     std::size_t Find(const CString& s, bool caseSensitive, bool& found) const; // the count when there is none
     std::size_t FindCount(const CString& s, bool caseSensitive = true) const;
     bool Have(const CString& s, bool caseSensitive = true) const;
@@ -116,7 +116,7 @@ public:
                            bool caseSensitive = true) const;
     void AddNoDuplicates(const CString& s, bool caseSensitive = true);
 
-    // ---- ordering
+    // ---- ordering ---------------------------------------------------------------------------------------
     // The results of the three-way comparisons are below, equal to or above 0.
     //
     // CompareDirs takes the folder of each path, trims white space and one separator from its end, and
@@ -148,7 +148,7 @@ public:
     std::size_t AddSorted(const CString& s, bool ascending = true, bool caseSensitive = true,
                           Content content = ContentText);
 
-    // ---- equality
+    // ---- equality ---------------------------------------------------------------------------------------
     // Folders are compared as by CompareDirs, but byte by byte with case; files by base name and extension,
     // each as text, so that "x." equals "x". ArePathsEqual asks both for paths and the second for files. Text
     // is never equal there: who has text compares it himself.
@@ -156,7 +156,7 @@ public:
     static bool AreFilesEqual(const CString& a, const CString& b, bool caseSensitive = true);
     static bool ArePathsEqual(const CString& a, const CString& b, bool caseSensitive, Content content);
 
-    // ---- removing: true when anything was removed; the others keep their order
+    // ---- removing: true when anything was removed; the others keep their order --------------------------
     // Elements are equal as text for ContentText, else by ArePathsEqual. All of these take time proportional
     // to the number of elements, with a second list to the sum of both.
     bool RemoveDuplicates(bool caseSensitive = true, Content content = ContentText); // of the one just before

@@ -18,8 +18,7 @@
 
 namespace ContainerRecord {
 
-// ---- the header
-// --------------------------------------------------------------------------------------------------
+// ---- the header -----------------------------------------------------------------------------------------
 
 inline constexpr WORD CurrentVersion = 1;
 
@@ -50,8 +49,7 @@ void ReserveLikely(const CArchive& archive, std::vector<Element>& list, std::siz
     list.reserve(count);
 }
 
-// ---- values
-// ------------------------------------------------------------------------------------------------------
+// ---- values ---------------------------------------------------------------------------------------------
 
 template <class Container>
 void Store(CArchive& archive, const Container& container);
@@ -127,8 +125,7 @@ struct ProtectedValue {
     void operator()(CArchive& archive, int& value) const { archive >> value; }
 };
 
-// ---- elements
-// ----------------------------------------------------------------------------------------------------
+// ---- elements -------------------------------------------------------------------------------------------
 
 template <class Element>
 concept Block = ArchiveNumber<Element> && std::endian::native == std::endian::little;
@@ -226,8 +223,7 @@ void LoadElements(CArchive& archive, std::map<Key, Value, Order>& map, std::size
     }
 }
 
-// ---- whole containers
-// --------------------------------------------------------------------------------------------
+// ---- whole containers -----------------------------------------------------------------------------------
 
 template <class Container>
 void Store(CArchive& archive, const Container& container)

@@ -25,7 +25,6 @@ static void AppendTexts(TextArray& out, const RankedTexts<int>& texts, uint64 mo
 {
     if (most == 0)
         return;
-    out.Reserve(out.GetCount() + static_cast<std::size_t>(std::min<uint64>(most, texts.GetCount())));
     uint64 appended = 0;
     texts.ForEach([&](RankedTexts<int>::Place place) {
         out.Add(texts.GetText(place));
@@ -59,8 +58,7 @@ void MRUArray::SetRestrictions(uint64 maxRecent, uint64 maxPopular)
     m_maxPopular = maxPopular;
 }
 
-// ---- changing
-// ----------------------------------------------------------------------------------------------------
+// ---- changing -------------------------------------------------------------------------------------------
 
 void MRUArray::Add(const CString& text)
 {
@@ -124,8 +122,7 @@ void MRUArray::Clear()
     *m_lists = Lists();
 }
 
-// ---- the recent list
-// ---------------------------------------------------------------------------------------------
+// ---- the recent list ------------------------------------------------------------------------------------
 
 bool MRUArray::HaveRecent() const
 {
@@ -145,10 +142,15 @@ uint64 MRUArray::GetRecentCount() const
 CString MRUArray::GetRecentAt(uint64 index) const
 {
     constexpr uint64 Near = 32; // nearer than that it is quicker to walk there
-    TextArray front;
     if (index < Near) {
-        AppendTexts(front, m_lists->recent, index + 1);
-        return front.GetCopyAt(static_cast<std::size_t>(index));
+        CString text;
+        m_lists->recent.ForEach([&](RankedTexts<int>::Place place) {
+            if (index-- > 0)
+                return true;
+            text = m_lists->recent.GetText(place);
+            return false;
+        });
+        return text;
     }
     if (!m_lists->isInOrderValid) {
         m_lists->recentInOrder.RemoveAll();
@@ -180,8 +182,7 @@ void MRUArray::GetRecent(TextArray& out, bool limited, bool sorted, bool ascendi
         out.Sort(ascending, caseSensitive, content);
 }
 
-// ---- the popular table
-// -------------------------------------------------------------------------------------------
+// ---- the popular table ----------------------------------------------------------------------------------
 
 bool MRUArray::HavePopular() const
 {
@@ -194,8 +195,7 @@ void MRUArray::GetPopular(TextArray& out, bool limited) const
     AppendTexts(out, popular, limited ? std::min<uint64>(m_maxPopular, popular.GetRankCount()) : All);
 }
 
-// ---- the record
-// --------------------------------------------------------------------------------------------------
+// ---- the record -----------------------------------------------------------------------------------------
 
 namespace {
 
@@ -222,7 +222,7 @@ PopularTable CutTable(const RankedTexts<int>& popular, uint64 most)
     return table;
 }
 
-bool LoadRecord(CArchive& archive, TextArray& recent, PopularTable& table)
+void LoadRecord(CArchive& archive, TextArray& recent, PopularTable& table)
 {
     WORD version = 0;
     archive >> version;
@@ -233,13 +233,13 @@ bool LoadRecord(CArchive& archive, TextArray& recent, PopularTable& table)
         recent.Serialize(archive, true);
         ContainerRecord::LoadBy(archive, table, version < CurrentProtected,
                                 ContainerRecord::ProtectedValue());
-        return true;
+        break;
     case CurrentPlain:
         recent.Serialize(archive);
         ContainerRecord::Load(archive, table, false);
-        return true;
+        break;
     default:
-        return false;
+        throw CArchiveException(CArchiveException::badSchema);
     }
 }
 
@@ -263,8 +263,7 @@ void MRUArray::Serialize(CArchive& archive)
         return;
     }
     PopularTable table;
-    if (!LoadRecord(archive, recent, table))
-        return;
+    LoadRecord(archive, recent, table);
     Clear();
     AppendNew(m_lists->recent, RecentRank, recent);
     for (auto bucket = table.rbegin(); bucket != table.rend(); ++bucket)

@@ -80,8 +80,7 @@ void MRUArrayByTime::GetPopular(TextArray& out, int count) const
     });
 }
 
-// ---- the record
-// --------------------------------------------------------------------------------------------------
+// ---- the record -----------------------------------------------------------------------------------------
 
 namespace {
 
@@ -132,7 +131,7 @@ void MRUArrayByTime::Serialize(CArchive& archive)
     WORD version = 0;
     archive >> version;
     if (version != RecordVersion)
-        return;
+        throw CArchiveException(CArchiveException::badSchema);
     LoadTable(archive, table);
     *m_texts = Texts();
     for (const auto& [total, texts] : table)

@@ -120,7 +120,7 @@ private:
         return a.rank != b.rank ? a.rank > b.rank : a.order < b.order;
     }
 
-    // ---- entries
+    // ---- entries ----------------------------------------------------------------------------------------
     Place NewEntry(const CString& text)
     {
         Place place = m_free;
@@ -140,7 +140,7 @@ private:
         return place;
     }
 
-    // ---- the index
+    // ---- the index --------------------------------------------------------------------------------------
     std::size_t SlotOf(std::size_t hash) const { return hash & (m_slots.size() - 1); }
     Place FirstInSlot(std::size_t hash) const { return m_slots.empty() ? None : m_slots[SlotOf(hash)]; }
     void AddToSlot(Place place)
@@ -166,7 +166,7 @@ private:
         });
     }
 
-    // ---- buckets
+    // ---- buckets ----------------------------------------------------------------------------------------
     void LinkLast(Place place, Rank rank)
     {
         Bucket& bucket = m_buckets[rank];

@@ -2,8 +2,7 @@
 
 #include "persist/ContainerRecord.h"
 
-// ---- vectors and sets
-// --------------------------------------------------------------------------------------------
+// ---- vectors and sets -----------------------------------------------------------------------------------
 
 void SerializeData::Serialize(CArchive& archive, std::vector<bool>& list, bool bLegacy)
 {
@@ -46,8 +45,7 @@ void SerializeData::Serialize(CArchive& archive, std::unordered_set<std::string>
     ContainerRecord::Serialize(archive, set, bLegacy);
 }
 
-// ---- maps
-// --------------------------------------------------------------------------------------------------------
+// ---- maps -----------------------------------------------------------------------------------------------
 
 template <IntMapValue Value>
 void SerializeData::Serialize(CArchive& archive, std::map<int, Value>& map, bool bLegacy)
@@ -100,8 +98,7 @@ void SerializeData::Serialize(CArchive& archive, std::map<int, CString>& map,
     }
 }
 
-// ---- texts that may be encrypted
-// ---------------------------------------------------------------------------------
+// ---- texts that may be encrypted ------------------------------------------------------------------------
 
 template <class Container>
 static void StorePlainLoadProtected(CArchive& archive, Container& container, bool legacy)
@@ -123,8 +120,7 @@ void SerializeData::SerializeEncrypted(CArchive& archive, std::map<CString, int,
     StorePlainLoadProtected(archive, map, bLegacy);
 }
 
-// ---- single values and counters
-// ----------------------------------------------------------------------------------
+// ---- single values and counters -------------------------------------------------------------------------
 
 void SerializeData::Serialize(CArchive& archive, bool& value)
 {
@@ -180,8 +176,7 @@ uint64 SerializeData::DeserializeLoopCounter(CArchive& archive, bool bLegacy, WO
     return LoadCount(archive, bLegacy);
 }
 
-// ---- the containers that the library offers
-// ----------------------------------------------------------------------
+// ---- the containers that the library offers -------------------------------------------------------------
 
 #define KVT01_CONTAINER(...) template KVT01_API void SerializeData::Serialize(CArchive&, __VA_ARGS__&, bool)
 #define KVT01_INT_MAP(Value) KVT01_CONTAINER(std::map<int, Value>)

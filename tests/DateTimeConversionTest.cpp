@@ -210,7 +210,7 @@ TEST(OleDate, RefusesWhatDoesNotExist)
     EXPECT_EQ(COleDateTime(std::nan("")).GetStatus(), COleDateTime::invalid);
 }
 
-// ---- the present moment, against the runtime library asked before and after
+// ---- the present moment, against the runtime library asked before and after -----------------------------
 
 TEST(Now, IsLocalTime)
 {

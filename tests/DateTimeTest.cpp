@@ -37,7 +37,7 @@ DateTime WithNumber(int number)
 
 constexpr int Extremes[] = {INT_MIN, INT_MIN + 1, -1900, -1, 0, INT_MAX - 1900, INT_MAX - 1, INT_MAX};
 
-// ---- the calendar over its whole range
+// ---- the calendar over its whole range ------------------------------------------------------------------
 
 TEST(Calendar, ReadsEveryDayNumberAsTheWalkDoes)
 {
@@ -162,7 +162,7 @@ TEST(Calendar, AnswersNeutrallyOutOfRange)
     EXPECT_EQ(calendar.GetCenturyLeapYearCount(10000, 3), 0);
 }
 
-// ---- the value
+// ---- the value ------------------------------------------------------------------------------------------
 
 TEST(DateTimeSetters, TakeEachHalfByItselfAndTheConstructorBoth)
 {
@@ -224,7 +224,7 @@ TEST(DateTimeSetters, ChangeOnePart)
     EXPECT_EQ(DateOf(value), Date(0, 0, 0));
 }
 
-// ---- arithmetic
+// ---- arithmetic -----------------------------------------------------------------------------------------
 
 struct Stored {
     int day, second;
@@ -399,7 +399,7 @@ TEST(DateTimeArithmetic, TakesTheExamplesAndTheExtremes)
     }
 }
 
-// ---- comparing
+// ---- comparing ------------------------------------------------------------------------------------------
 
 TEST(DateTimeComparison, PutsMissingHalvesFirst)
 {
@@ -428,7 +428,7 @@ TEST(DateTimeComparison, PutsMissingHalvesFirst)
     EXPECT_NE(WithNumber(0), WithNumber(DateTime::MAXDAY + 1)); // both missing, stored differently
 }
 
-// ---- spans of seconds
+// ---- spans of seconds -----------------------------------------------------------------------------------
 
 TEST(DateTimeSpans, ConvertBothWays)
 {

@@ -42,7 +42,7 @@ private:
     CString m_fileNames, m_decimal, m_thousands;
 };
 
-// ---- the rule, once more and without regard to speed
+// ---- the rule, once more and without regard to speed ----------------------------------------------------
 
 struct ModelName {
     std::string base, extension;

@@ -330,7 +330,7 @@ TEST_F(FileNamesPlatformTest, Folders)
     EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
 }
 
-// ---- names
+// ---- names ----------------------------------------------------------------------------------------------
 
 TEST_F(FileNamesPlatformTest, TemporaryNames)
 {

@@ -154,7 +154,7 @@ TEST(FindFilesPlatformTest, WhatIsNoOpenSearchIsRefused)
     EXPECT_TRUE(CloseHandle(open));
 }
 
-// ---- wildcards against all ways to read them
+// ---- wildcards against all ways to read them ------------------------------------------------------------
 
 bool SlowMatch(const std::string& name, const std::string& mask, std::size_t n, std::size_t m)
 {

@@ -209,6 +209,7 @@ TEST_F(Locale, FallsBackToTheLanguageAndThenToEnglish)
                        {"de_AT@euro", "Sonntag", "Austria"},
                        {"de_FR.ISO-8859-1", "Sonntag", "France"},
                        {"sr_RS@latin", "nedelja", "Serbia"},
+                       {"eo", "diman?o", "United States"},
                        {"xx_YY", "Sunday", "United States"},
                        {"xx", "Sunday", "United States"},
                        {"deutsch", "Sunday", "United States"},
@@ -227,6 +228,19 @@ TEST_F(Locale, FallsBackToTheLanguageAndThenToEnglish)
     m_user.Set("LC_ALL", "sr_RS@latin");
     EXPECT_EQ(LocaleUtils::GetLanguageName(), "Serbian (Latin)");
     EXPECT_TRUE(markers.empty());
+}
+
+// Whatever a program may find in the environment: every language of two letters, known or not.
+TEST_F(Locale, AnswersForAnyLanguage)
+{
+    for (char first = 'a'; first <= 'z'; ++first)
+        for (char second = 'a'; second <= 'z'; ++second) {
+            const std::string name{first, second};
+            m_user.Set("LC_ALL", name);
+            EXPECT_FALSE(LocaleUtils::GetDayName(1, false).IsEmpty()) << name;
+            EXPECT_FALSE(LocaleUtils::GetLocaleInfoFor(LOCALE_SDECIMAL).IsEmpty()) << name;
+            EXPECT_NE(LocaleUtils::GetCountryCode(), 0u) << name;
+        }
 }
 
 TEST_F(Locale, SeesChangesAtOnceButKeepsFiveSeparators)

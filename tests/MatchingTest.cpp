@@ -10,7 +10,7 @@
 
 namespace {
 
-// ---- the rules, with a copy for every piece
+// ---- the rules, with a copy for every piece -------------------------------------------------------------
 
 int Lower(char c)
 {
@@ -59,9 +59,7 @@ std::string Lowered(std::string text, bool caseSensitive)
 
 bool SlowEqual(const std::string& a, const std::string& b, bool caseSensitive)
 {
-    return caseSensitive ? a == b : std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return Lower(x) == Lower(y);
-    });
+    return Lowered(a, caseSensitive) == Lowered(b, caseSensitive);
 }
 
 bool SlowQuestionMark(const std::string& text, const std::string& spec, bool caseSensitive)
@@ -124,7 +122,7 @@ std::string SlowCommonChars(const std::string& a, const std::string& b, bool cas
     return b.size() < a.size() ? b : a;
 }
 
-// ---- comparing with them
+// ---- comparing with them --------------------------------------------------------------------------------
 
 TEST(Matching, AnswersAsTheRulesDo)
 {

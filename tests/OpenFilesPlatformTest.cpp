@@ -275,7 +275,7 @@ TEST_F(OpenFilesPlatformTest, AFullDiskIsReportedWithWhatWasWritten)
     EXPECT_TRUE(CloseHandle(full));
 }
 
-// ---- sharing
+// ---- sharing --------------------------------------------------------------------------------------------
 
 TEST_F(OpenFilesPlatformTest, SharingAnswersAsOnTheOriginalPlatform)
 {

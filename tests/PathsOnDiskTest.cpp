@@ -114,7 +114,8 @@ TEST_F(PathsOnDisk, PathsComeBackInTheCaseThatIsStored)
     EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(upper), root + "Docs\\Sub Folder\\");
     EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(Path("DOCS")), root + "Docs\\");
     EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(Path("docs/missing")), Path("docs/missing"));
-    EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(Path("docs/same")), root + "Docs\\same\\"); // exists, not listed
+    EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(Path("docs/same")),
+              root + "Docs\\same\\"); // exists, not listed
     EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(""), "");
     EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath("/"), "/");
     EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath("  "), "  ");

@@ -79,4 +79,30 @@ TEST(SearchCandidates, NeverMissAnOccurrenceUnderAnyFold)
     }
 }
 
+// Texts made of fronts of a periodic pattern: comparing goes far at most places, so the automaton takes over.
+TEST(SearchOccurrences, AreExactInTextsThatAlmostMatchEverywhere)
+{
+    const unsigned int seed = std::random_device()();
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937 random(seed);
+    for (int round = 0; round < 60; ++round) {
+        const std::string units[] = {"a", "ab", "aab", "aabaa", "abaab"};
+        const std::string& unit = units[random() % std::size(units)];
+        std::string wanted;
+        for (std::size_t length = 100 + random() % 200; wanted.size() < length;)
+            wanted += random() % 50 == 0 ? std::string("b") : unit;
+        std::string text;
+        while (text.size() < 40000)
+            text += random() % 20 == 0 ? wanted : wanted.substr(0, wanted.size() - random() % 60);
+        TextSearch::Occurrences occurrences(text, wanted);
+        for (std::size_t from = 0;; from += wanted.size()) {
+            const std::size_t slow = text.find(wanted, from);
+            from = occurrences.Next(from);
+            ASSERT_EQ(from, slow);
+            if (from == TextSearch::None)
+                break;
+        }
+    }
+}
+
 } // namespace

@@ -9,7 +9,7 @@
 
 namespace {
 
-// ---- the rules, one character after the other
+// ---- the rules, one character after the other -----------------------------------------------------------
 
 int Lower(char c)
 {
@@ -145,7 +145,7 @@ int SlowFindWholeWord(const std::string& text, const std::string& word, int n, i
     return -1;
 }
 
-// ---- comparing with them
+// ---- comparing with them --------------------------------------------------------------------------------
 
 class Texts {
 public:

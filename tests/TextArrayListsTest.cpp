@@ -33,7 +33,7 @@ bool AreEqual(const CString& a, const CString& b, bool caseSensitive, TextArray:
     return TextArray::ArePathsEqual(a, b, caseSensitive, content);
 }
 
-// ---- the selection rules as nested loops
+// ---- the selection rules as nested loops ----------------------------------------------------------------
 
 Texts KeepFirst(const Texts& texts, bool caseSensitive, TextArray::Content content)
 {

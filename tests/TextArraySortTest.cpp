@@ -181,6 +181,8 @@ TEST(TextArraySort, FoldersAreComparedTrimmedAndWithoutTheLastSeparator)
     EXPECT_TRUE(TextArray::AreFilesEqual("a/x.txt", "b\\x.TXT", false));
     EXPECT_FALSE(TextArray::AreFilesEqual("a/x.txt", "b\\x.TXT"));
     EXPECT_TRUE(TextArray::AreFilesEqual("x.", "x"));
+    EXPECT_TRUE(TextArray::AreFilesEqual(CString("x\0a.t", 5), CString("x\0b.t", 5))); // text ends at NUL
+    EXPECT_TRUE(TextArray::AreDirsEqual(CString("x\0a/", 4), CString("X\0b/", 4), false));
     EXPECT_FALSE(TextArray::AreFilesEqual("1.5.t", "1.50.t")); // numbers count as text
     EXPECT_TRUE(TextArray::ArePathsEqual("p/x", "p\\x", true, TextArray::ContentPaths));
     EXPECT_FALSE(TextArray::ArePathsEqual("p/x", "q\\x", true, TextArray::ContentPaths));

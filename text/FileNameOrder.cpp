@@ -17,8 +17,7 @@
 
 namespace {
 
-// ---- the rule
-// ---------------------------------------------------------------------------------------------------------
+// ---- the rule -------------------------------------------------------------------------------------------
 
 constexpr double Tolerance = 0.001; // numbers that differ by less are equal
 
@@ -69,8 +68,7 @@ int CompareBaseNames(std::string_view a, std::string_view b, bool caseSensitive)
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }
 
-// ---- the keys
-// ---------------------------------------------------------------------------------------------------------
+// ---- the keys -------------------------------------------------------------------------------------------
 
 constexpr unsigned char NumberCodes = 9;
 constexpr unsigned char WideNumber = 8;                // added to the first code: the bits of a double follow

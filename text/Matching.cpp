@@ -48,15 +48,15 @@ bool EndsWith(std::string_view text, std::string_view suffix, bool caseSensitive
     return FitsAt(text.data() + (text.size() - suffix.size()), suffix, caseSensitive);
 }
 
-// With case by bytes, without by the lower-case table.
+// With case by bytes, without as the runtime library folds them.
 bool IsEqual(std::string_view a, std::string_view b, bool caseSensitive)
 {
     if (a.size() != b.size())
         return false;
     if (caseSensitive)
         return a == b;
-    return std::equal(a.begin(), a.end(), b.begin(),
-                      [](char x, char y) { return LowercaseOf(x) == LowercaseOf(y); });
+    const auto lower = RuntimeText::Lowercase();
+    return std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 // Whether lower-cased copies of both, by the runtime library, contain one another.
@@ -68,23 +68,38 @@ bool ContainsLowered(std::string_view text, std::string_view wanted)
         return TextSearch::Occurrences(text, wanted, fold).Next(0) != TextSearch::None;
     }
     const auto lower = RuntimeText::Lowercase();
-    const char first = lower(wanted[0]);
+    const char first = lower(wanted.front());
+    const char last = lower(wanted.back());
+    const auto isEqual = [&](char a, char b) { return lower(a) == lower(b); };
     for (std::size_t at = 0; at + wanted.size() <= text.size(); ++at) {
-        std::size_t matched = 0;
-        if (lower(text[at]) == first)
-            while (++matched < wanted.size() && lower(text[at + matched]) == lower(wanted[matched]))
-                ;
-        if (matched == wanted.size())
+        const char* const begin = text.data() + at;
+        // one jump for both
+        const int differences = (lower(begin[0]) ^ first) | (lower(begin[wanted.size() - 1]) ^ last);
+        if (differences == 0 && std::equal(wanted.begin(), wanted.end(), begin, isEqual))
             return true;
     }
     return false;
 }
 
-// ---- wildcards
+// ---- wildcards ------------------------------------------------------------------------------------------
 
 std::size_t IndexOf(std::string_view spec, char c)
 {
     return static_cast<std::size_t>(std::find(spec.begin(), spec.end(), c) - spec.begin());
+}
+
+std::size_t IndexOfWildcard(std::string_view spec)
+{
+    std::size_t at = 0;
+    while (at < spec.size() && spec[at] != '*' && spec[at] != '?')
+        ++at;
+    return at;
+}
+
+// `at` is the place of the first wildcard.
+std::size_t IndexOfStar(std::string_view spec, std::size_t at)
+{
+    return at < spec.size() && spec[at] == '?' ? IndexOf(spec, '*') : at;
 }
 
 bool IsCatchAll(std::string_view spec)
@@ -124,25 +139,25 @@ bool FitsAroundQuestionMark(const CString& text, std::size_t position, bool case
     return leftAt >= 0 && rightAt >= 0 && (rightAt == leftEnd || rightAt == leftEnd + 1);
 }
 
-// "*" rest, where the rest has wildcards of its own.
+bool ContainsMiddle(std::string_view text, std::string_view middle, bool caseSensitive)
+{
+    return middle.empty() ||
+           (caseSensitive ? TextSearch::Find(text, middle, 0) >= 0 : ContainsLowered(text, middle));
+}
+
+// "*" rest.
 bool FitsBehindStar(const CString& text, std::string_view rest, bool caseSensitive)
 {
-    const std::size_t star = IndexOf(rest, '*');
-    const std::size_t questionMark = IndexOf(rest, '?');
+    const std::size_t wildcard = IndexOfWildcard(rest);
+    if (wildcard == rest.size())
+        return EndsWith(text.View(), rest, caseSensitive);
+    const std::size_t star = IndexOfStar(rest, wildcard);
     if (star == rest.size())
         return FitsQuestionMark(text.View(), rest, caseSensitive);
     if (star + 1 < rest.size())
         return false;
-    if (questionMark < rest.size())
-        return FitsAroundQuestionMark(text, questionMark, caseSensitive);
-    const std::string_view middle = rest.substr(0, star);
-    return middle.empty() || (caseSensitive ? TextSearch::Find(text.View(), middle, 0) >= 0
-                                            : ContainsLowered(text.View(), middle));
-}
-
-bool HasWildcard(std::string_view spec)
-{
-    return std::any_of(spec.begin(), spec.end(), [](char c) { return c == '*' || c == '?'; });
+    return wildcard == star ? ContainsMiddle(text.View(), rest.substr(0, star), caseSensitive)
+                            : FitsAroundQuestionMark(text, wildcard, caseSensitive);
 }
 
 // How long the common front is.
@@ -172,17 +187,17 @@ bool StringUtils::MatchSpec(const CString& text, const CString& spec, bool caseS
     const std::string_view whole = spec.View();
     if (whole.empty() || IsCatchAll(whole))
         return true;
-    if (!name.empty() && IsEqual(name, whole, caseSensitive))
+    if (name.size() == whole.size() && IsEqual(name, whole, caseSensitive))
         return true;
-    if (whole.find_first_not_of('?') == std::string_view::npos)
+    const std::size_t wildcard = IndexOfWildcard(whole);
+    if (wildcard == 0 && whole.find_first_not_of('?') == std::string_view::npos)
         return name.size() <= whole.size();
-    const std::size_t star = IndexOf(whole, '*');
+    const std::size_t star = IndexOfStar(whole, wildcard);
     if (star == whole.size())
         return FitsQuestionMark(name, whole, caseSensitive);
     const std::string_view rest = whole.substr(star + 1);
     if (star == 0)
-        return HasWildcard(rest) ? FitsBehindStar(text, rest, caseSensitive)
-                                 : EndsWith(name, rest, caseSensitive);
+        return FitsBehindStar(text, rest, caseSensitive);
     return BeginsWith(name, whole.substr(0, star), caseSensitive) && // the two may overlap in the text
            (rest.empty() || EndsWith(name, rest, caseSensitive));
 }

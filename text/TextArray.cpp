@@ -195,7 +195,9 @@ public:
     }
     bool operator()(const CString& other) const
     {
-        if (other.GetLength() < m_length || other.GetString()[m_length] != '\0')
+        const int length = other.GetLength();
+        const char end = other.GetString()[std::min(length, m_length)];
+        if ((static_cast<int>(length < m_length) | end) != 0) // one branch: which of the two is hard to guess
             return false;
         return (m_caseSensitive ? other.Compare(m_text) : other.CompareNoCase(m_text)) == 0;
     }

@@ -53,8 +53,7 @@ int CompareItems(const CString& a, const CString& b, bool caseSensitive, TextArr
     }
 }
 
-// ---- keys
-// -------------------------------------------------------------------------------------------------------------
+// ---- keys -----------------------------------------------------------------------------------------------
 
 // Memory that stays where it is while more is taken.
 class KeyMemory {
@@ -191,8 +190,7 @@ NameKeys MakePathKeys(const std::vector<CString>& paths, bool caseSensitive)
     return made;
 }
 
-// ---- sorting
-// ----------------------------------------------------------------------------------------------------------
+// ---- sorting --------------------------------------------------------------------------------------------
 
 using Order = std::vector<KeySort::Entry>;
 

@@ -11,35 +11,71 @@
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <unordered_map>
+
+#include "Regional.h"
 
 namespace {
 
 constexpr std::size_t Shown = 8;
 constexpr std::size_t Opened = 3;
 
-// Appends every file below the folder, whose path ends in a separator. Links to folders are not followed.
-void ListFiles(const CString& folder, TextArray& files)
+struct FileFacts {
+    uint64 size;
+    DateTime written;
+};
+
+// The files below a folder: their paths, and what is known of each.
+struct FileList {
+    TextArray paths;
+    std::unordered_map<CString, FileFacts> facts;
+};
+
+// Adds every file below the folder, whose path ends in a separator. Links to folders are not followed.
+void ListFiles(const CString& folder, FileList& files)
 {
     TextArray folders;
     CFileFind finder;
     for (bool more = finder.FindFile(folder + "*"); more;) {
         more = finder.FindNextFile();
-        if (!finder.IsDirectory())
-            files.Add(folder + finder.GetFileName());
-        else if (!finder.IsDots() && !finder.IsLink())
-            folders.Add(folder + finder.GetFileName() + "/");
+        const CString path = folder + finder.GetFileName();
+        if (!finder.IsDirectory()) {
+            DateTime written;
+            written.Set(finder.GetLastWriteTime());
+            files.paths.Add(path);
+            files.facts[path] = {finder.GetLength(), written};
+        } else if (!finder.IsDots() && !finder.IsLink()) {
+            folders.Add(path + "/");
+        }
     }
     for (const CString& deeper : folders)
         ListFiles(deeper, files);
 }
 
-void Show(const char* title, const TextArray& list)
+// Prints a title and the first lines of the list.
+template <class Line>
+void Show(const char* title, const TextArray& list, Line line)
 {
-    std::printf("\n%s: %zu\n", title, list.GetCount());
+    std::printf("\n%s: %s\n", title, Regional::Count(list.GetCount()).GetString());
     for (std::size_t i = 0; i < std::min(list.GetCount(), Shown); ++i)
-        std::printf("  %s\n", list[i].GetString());
+        line(list[i]);
     if (list.GetCount() > Shown)
         std::puts("  ...");
+}
+
+void Show(const char* title, const TextArray& list)
+{
+    Show(title, list, [](const CString& text) { std::printf("  %s\n", text.GetString()); });
+}
+
+void ShowWithFacts(const char* title, const FileList& files)
+{
+    Show(title, files.paths, [&](const CString& path) {
+        const FileFacts& facts = files.facts.at(path);
+        std::printf("  %s %s %10s  %s\n", Regional::Date(facts.written).GetString(),
+                    Regional::Time(facts.written).GetString(), Regional::Count(facts.size).GetString(),
+                    path.GetString());
+    });
 }
 
 TextArray Matching(const TextArray& files, const CString& wildcard)
@@ -73,6 +109,9 @@ public:
         CFile file(m_path, CFile::modeRead);
         CArchive archive(&file, CArchive::load);
         m_lists.Serialize(archive);
+        BYTE left = 0;
+        if (archive.Read(&left, 1) != 0)
+            throw CArchiveException(CArchiveException::genericException);
     }
 
     MRUArray& Lists() { return m_lists; }
@@ -105,6 +144,31 @@ private:
     MRUArray m_lists;
 };
 
+// Rules for dates that come back every year; the date of each in this one.
+void ShowHolidays()
+{
+    constexpr int Monday = 2;
+    constexpr int Thursday = 5;
+    DateEntry entries[5];
+    entries[0].SetDay("New Year's Day, not at a weekend", 1, 1);
+    entries[0].SetWeekDay(true);
+    entries[1].SetBeforeAfterDay("The Monday on or before 24 May", 24, 5, -Monday);
+    entries[2].SetDayOfWeek("First Monday of September", DateEntry::OccurrenceFirst, Monday, 9);
+    entries[3].SetDayOfWeek("Fourth Thursday of November", DateEntry::OccurrenceFourth, Thursday, 11);
+    entries[4].SetDay("Christmas Day", 25, 12);
+
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    DateTime::GetDateNow(year, month, day);
+    std::printf("\nHolidays of %d:\n", year);
+    for (const DateEntry& entry : entries) {
+        DateTime date;
+        entry.GetDateFor(year, date);
+        std::printf("  %s  %s\n", Regional::Date(date).GetString(), entry.GetDesc().GetString());
+    }
+}
+
 void ShowRemembered(MRUArray& lists)
 {
     TextArray recent;
@@ -123,14 +187,14 @@ void Run(CString folder, const CString& wildcard)
         throw std::runtime_error(std::string(folder) + ": no folder that can be read");
     ShowRemembered(remembered.Lists());
 
-    TextArray files;
+    FileList files;
     ListFiles(folder, files);
-    files.Sort(true, false, TextArray::ContentPaths);
-    Show("Files in natural order", files);
+    files.paths.Sort(true, false, TextArray::ContentPaths);
+    ShowWithFacts("Files in natural order", files);
 
-    const TextArray matches = Matching(files, wildcard);
+    const TextArray matches = Matching(files.paths, wildcard);
     Show(wildcard, matches);
-    Show("Names that occur twice or more", NamesThatOccurTwice(files));
+    Show("Names that occur twice or more", NamesThatOccurTwice(files.paths));
 
     TextArray opened(matches);
     opened.Trim(Opened);
@@ -138,6 +202,7 @@ void Run(CString folder, const CString& wildcard)
         remembered.Lists().Add(file);
     remembered.Save();
     Show("Opened now", opened);
+    ShowHolidays();
 }
 
 } // namespace

@@ -60,7 +60,7 @@ DWORD Delete(const SystemPath& path) noexcept
     return guard.IsFree() ? ErrorOfResult(path, unlink(path.Text())) : ERROR_SHARING_VIOLATION;
 }
 
-// ---- moving
+// ---- moving ---------------------------------------------------------------------------------------------
 
 // Two spellings of one name, not two names of one file.
 bool IsSameName(const SystemPath& from, const Entry& source, const SystemPath& to,
@@ -118,7 +118,7 @@ DWORD Move(const char* from, const char* to, DWORD flags) noexcept
     return isCopied ? MoveAsCopy(from, to, replaces) : error;
 }
 
-// ---- copying
+// ---- copying --------------------------------------------------------------------------------------------
 
 // A file's handle, closed with its owner.
 class OpenedHandle {

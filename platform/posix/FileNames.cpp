@@ -43,7 +43,7 @@ DWORD NameItself(const char* path, char* buffer, DWORD size) noexcept
     return Answer(error) ? PutAnswer(path, buffer, size) : 0;
 }
 
-// ---- full names
+// ---- full names -----------------------------------------------------------------------------------------
 
 // Appends the parts of a path, each behind a `/`; `.` and `..` take effect, the end may become a separator.
 void AppendParts(std::string& full, std::string_view path)
@@ -71,7 +71,7 @@ std::string FullPath(const SystemPath& path)
     return full;
 }
 
-// ---- temporary files
+// ---- temporary files ------------------------------------------------------------------------------------
 
 constexpr UINT LargestNumber = 0xFFFF;
 

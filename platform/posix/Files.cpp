@@ -17,7 +17,7 @@
 
 namespace {
 
-// ---- opening
+// ---- opening --------------------------------------------------------------------------------------------
 
 struct OpenRequest {
     DWORD access;
@@ -166,7 +166,7 @@ DWORD Finish(OpenedFile& file, const OpenRequest& request, HANDLE& handle) noexc
     return file.existed && request.MakesMissing() ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS;
 }
 
-// ---- open files
+// ---- open files -----------------------------------------------------------------------------------------
 
 BOOL SystemResult(int result) noexcept
 {

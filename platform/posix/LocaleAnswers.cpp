@@ -65,7 +65,7 @@ bool IsAmerican(std::string_view name)
     return locale == "C" || locale == "POSIX" || locale == "en_US";
 }
 
-// ---- patterns: runs of a letter are fields, text in quotes is none
+// ---- patterns: runs of a letter are fields, text in quotes is none --------------------------------------
 
 struct Field {
     char letter;

@@ -20,7 +20,7 @@ namespace {
 using LocaleItems::Category;
 using LocaleItems::Row;
 
-// ---- the environment, as far as it decides about the answers
+// ---- the environment, as far as it decides about the answers --------------------------------------------
 
 class Environment {
 public:
@@ -95,7 +95,7 @@ private:
                                {"LANG"},           {"XDG_CONFIG_HOME"}, {"HOME"}};
 };
 
-// ---- the user's own settings
+// ---- the user's own settings ----------------------------------------------------------------------------
 
 bool IsNumber(std::string_view text)
 {
@@ -131,7 +131,7 @@ void TakeSettings(LocaleAnswers& answers)
     }
 }
 
-// ---- the answers in force
+// ---- the answers in force -------------------------------------------------------------------------------
 
 class Answers {
 public:

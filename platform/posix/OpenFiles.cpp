@@ -20,7 +20,6 @@ HANDLE HandleFor(int descriptor) noexcept
     return reinterpret_cast<HANDLE>((static_cast<std::uintptr_t>(descriptor) + 1) * HandleStep);
 }
 
-// nullptr for what cannot be a handle.
 unsigned char* PlaceOf(HANDLE handle) noexcept
 {
     const auto number = reinterpret_cast<std::uintptr_t>(handle);
@@ -35,14 +34,14 @@ HANDLE OpenFiles::Add(int descriptor, unsigned rights) noexcept
 {
     if (static_cast<std::size_t>(descriptor) >= Places)
         return INVALID_HANDLE_VALUE;
-    Place{rightsOfDescriptor[descriptor]}.store(static_cast<unsigned char>(rights | Open));
+    Place(rightsOfDescriptor[descriptor]).store(static_cast<unsigned char>(rights | Open));
     return HandleFor(descriptor);
 }
 
 unsigned OpenFiles::RightsOf(HANDLE handle) noexcept
 {
-    unsigned char* const place = PlaceOf(handle);
-    return place == nullptr ? None : Place(*place).load();
+    auto* const place = PlaceOf(handle);
+    return place == nullptr ? None : Place(*place).load(std::memory_order_acquire);
 }
 
 int OpenFiles::DescriptorOf(HANDLE handle) noexcept
@@ -52,7 +51,6 @@ int OpenFiles::DescriptorOf(HANDLE handle) noexcept
 
 int OpenFiles::Remove(HANDLE handle) noexcept
 {
-    unsigned char* const place = PlaceOf(handle);
-    const bool isOpen = place != nullptr && Place(*place).exchange(None) != None;
-    return isOpen ? DescriptorOf(handle) : -1;
+    auto* const place = PlaceOf(handle);
+    return place == nullptr || Place(*place).exchange(None) == None ? -1 : DescriptorOf(handle);
 }

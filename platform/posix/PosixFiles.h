@@ -11,7 +11,7 @@
 #include "FileTime.h"
 #include "platform/posix/PosixPlatform.h"
 
-// ---- open files
+// ---- open files -----------------------------------------------------------------------------------------
 union LARGE_INTEGER {
     int64 QuadPart;
 };
@@ -69,7 +69,7 @@ BOOL FlushFileBuffers(HANDLE handle) noexcept; // safe on the disk when it retur
 // write.
 BOOL GetFileTime(HANDLE handle, FILETIME* created, FILETIME* accessed, FILETIME* written) noexcept;
 
-// ---- files by name
+// ---- files by name --------------------------------------------------------------------------------------
 // Deleting, moving and replacing need that no handle is open which was opened without FILE_SHARE_DELETE (else
 // error 32). Deleting and moving a link do not touch its target.
 inline constexpr DWORD MOVEFILE_REPLACE_EXISTING = 1; // a file that is there; never a folder
@@ -102,7 +102,7 @@ BOOL RemoveDirectoryA(const char* path) noexcept;                 // an empty on
 // 6: both.
 int _access(const char* path, int mode) noexcept;
 
-// ---- names of files
+// ---- names of files -------------------------------------------------------------------------------------
 // The answer is the length without the NUL; if the buffer is too small, the size that would do (length + 1),
 // and nothing is written.
 DWORD GetTempPathA(DWORD size, char* buffer) noexcept; // $TMPDIR, else /tmp; ends with a separator
@@ -120,7 +120,7 @@ DWORD GetFullPathNameA(const char* path, DWORD size, char* buffer, char** lastNa
 // 123.
 UINT GetTempFileNameA(const char* folder, const char* prefix, UINT unique, char* path) noexcept;
 
-// ---- finding files
+// ---- finding files --------------------------------------------------------------------------------------
 // The last part of the pattern may hold wildcards; letter case counts, bytes are compared. Without wildcards
 // the file system is asked for that name. `.` and `..` come first, if they match; the order of the others is
 // the file system's.

@@ -16,8 +16,7 @@ inline constexpr BOOL FALSE = 0;
 inline const HANDLE INVALID_HANDLE_VALUE = reinterpret_cast<HANDLE>(-1);
 inline constexpr int MAX_PATH = 260;
 
-// ---- errors: one number for each thread
-// ------------------------------------------------------------------------
+// ---- errors: one number for each thread -----------------------------------------------------------------
 inline constexpr DWORD ERROR_SUCCESS = 0;
 inline constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
 inline constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
@@ -51,8 +50,7 @@ inline constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
 DWORD FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD language, char* buffer, DWORD size,
                      std::va_list* arguments) noexcept;
 
-// ---- text under the runtime's current locale
-// -------------------------------------------------------------------
+// ---- text under the runtime's current locale ------------------------------------------------------------
 int _stricmp(const char* a, const char* b) noexcept;
 
 #include "platform/posix/PosixFiles.h"

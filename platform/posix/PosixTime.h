@@ -18,7 +18,7 @@ struct SYSTEMTIME {
     WORD wMilliseconds;
 };
 
-// ---- the runtime library: seconds since 1 January 1970 UTC
+// ---- the runtime library: seconds since 1 January 1970 UTC ----------------------------------------------
 void _tzset() noexcept;
 int64 _time64(int64* result) noexcept; // also stored in *result unless that is nullptr
 // 0, or EINVAL (22) with every field -1: a null pointer, a time before 1970, a time after the year 3000
@@ -27,7 +27,7 @@ int _localtime64_s(std::tm* result, const int64* time) noexcept;
 
 DWORD GetTickCount() noexcept; // milliseconds since the system started, modulo 2^32
 
-// ---- file times; a failure returns FALSE and leaves ERROR_INVALID_PARAMETER in GetLastError
+// ---- file times; a failure returns FALSE and leaves ERROR_INVALID_PARAMETER in GetLastError -------------
 // Local time here is UTC shifted by the offset in force today, whatever the date; no range is checked, 64
 // bits wrap.
 BOOL FileTimeToLocalFileTime(const FILETIME* fileTime, FILETIME* localTime) noexcept;
@@ -36,7 +36,7 @@ BOOL FileTimeToSystemTime(const FILETIME* fileTime, SYSTEMTIME* parts) noexcept;
 // 1601 to 30827; a date or time that does not exist fails; the weekday is not looked at.
 BOOL SystemTimeToFileTime(const SYSTEMTIME* parts, FILETIME* fileTime) noexcept;
 
-// ---- OLE dates (see COleDateTime.h), years 100 to 9999; TRUE or FALSE
+// ---- OLE dates (see COleDateTime.h), years 100 to 9999; TRUE or FALSE -----------------------------------
 // Rounded to the nearest second, half a second up, carrying into the day. FALSE for what is no number, and
 // when rounding leads past the last day.
 BOOL VariantTimeToSystemTime(double date, SYSTEMTIME* parts) noexcept;

@@ -53,7 +53,7 @@ bool IsFolder(const std::string& path)
     return stat(path.c_str(), &about) == 0 && S_ISDIR(about.st_mode);
 }
 
-// ---- what was asked within the last second
+// ---- what was asked within the last second --------------------------------------------------------------
 
 class RecentAnswers {
 public:

@@ -8,7 +8,8 @@ namespace {
 
 // What a host may do before main: the tables are there, strings and sorting work.
 struct EarlyBird {
-    bool sawLetter = StringUtils::IsAlpha('q') && StringUtils::ToUpper('q') == 'Q' && StringUtils::m_tableIsDigit['7'] != 0;
+    bool sawLetter = StringUtils::IsAlpha('q') && StringUtils::ToUpper('q') == 'Q' &&
+                     StringUtils::m_tableIsDigit['7'] != 0;
     CString first;
 
     EarlyBird()

@@ -21,7 +21,7 @@
 
 namespace {
 
-// ---- ICU's objects and texts
+// ---- ICU's objects and texts ----------------------------------------------------------------------------
 
 template <auto Close>
 struct Closer {
@@ -58,7 +58,7 @@ void ReplaceAll(std::u16string& text, char16_t from, char16_t to)
     std::replace(text.begin(), text.end(), from, to);
 }
 
-// ---- the locale
+// ---- the locale -----------------------------------------------------------------------------------------
 
 struct Locale {
     std::string id;       // as ICU writes it: de_AT, sr_Latn_RS
@@ -132,13 +132,15 @@ bool ReadLocale(std::string_view name, Locale& locale)
         return false;
     if (!IsRegion(locale.region))
         locale.region = RegionOf(Likely(locale.language + script));
+    if (!IsRegion(locale.region)) // a language of no country
+        locale.region = "US";
     locale.id = locale.language + script + '_' + locale.region;
     locale.plain = locale.id + "@calendar=gregorian;numbers=latn";
     locale.namesScript = !script.empty() || locale.language == "zh";
     return true;
 }
 
-// ---- telling
+// ---- telling --------------------------------------------------------------------------------------------
 
 // One '?' for each unit that has no place in the code page, as on the original platform; ICU's own callback
 // leaves out what is invisible.
@@ -180,7 +182,7 @@ private:
     Converter m_converter;
 };
 
-// ---- names
+// ---- names ----------------------------------------------------------------------------------------------
 
 void TellNames(const Locale& locale, const Teller& teller)
 {
@@ -199,7 +201,7 @@ void TellNames(const Locale& locale, const Teller& teller)
                 }));
 }
 
-// ---- numbers and money
+// ---- numbers and money ----------------------------------------------------------------------------------
 
 std::u16string Symbol(const NumberFormat& format, UNumberFormatSymbol symbol)
 {
@@ -275,7 +277,7 @@ std::u16string CurrencySign(const Locale& locale, const std::u16string& currency
         int32_t length = 0;
         const UChar* const sign =
             ucurr_getName(currency.c_str(), locale.id.c_str(), style, nullptr, &length, &status);
-        if (U_SUCCESS(status) && currency != sign)
+        if (U_SUCCESS(status) && sign != nullptr && currency != sign)
             return {sign, static_cast<std::size_t>(length)};
     }
     return currency;
@@ -306,7 +308,7 @@ void TellMoney(const Locale& locale, const Teller& teller)
     teller.Tell(LOCALE_INEGCURR, IndexOf(NegativeShapes, negative));
 }
 
-// ---- dates and times
+// ---- dates and times ------------------------------------------------------------------------------------
 
 // A field of ICU's patterns in the platform's letters; the year always has four digits, but for an explicit
 // yy.
@@ -379,7 +381,7 @@ std::u16string TimePattern(const Locale& locale)
     return pattern;
 }
 
-// ---- the short AM and PM texts, which ICU's date formats do not tell
+// ---- the short AM and PM texts, which ICU's date formats do not tell ------------------------------------
 
 // The locale whose data stand in for what is not in this one's; empty above the root.
 std::string ParentOf(const Bundle& bundle)
