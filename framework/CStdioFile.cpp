@@ -115,7 +115,7 @@ void CStdioFile::Put(std::string_view bytes)
 
 bool CStdioFile::ReadString(CString& line)
 {
-    line.Empty();
+    line.Truncate(0); // its room is used again
     bool isAny = false;
     while (!Unread().empty() || Fill()) {
         isAny = true;

@@ -412,14 +412,16 @@ TEST_F(OpenFilesPlatformTest, OfTwoThatComeAtOnceExactlyOneGetsIn)
     struct Shared {
         std::atomic<int> tried{0}, opened{0}, closed{0};
     };
-    constexpr int rounds = 300;
+    constexpr int rounds = 1000;
     void* const memory =
         mmap(nullptr, sizeof(Shared) * rounds, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
     auto* const shared = new (memory) Shared[rounds];
+    // Without sleeping at first, so that both go on at the same moment.
     const auto await = [](const std::atomic<int>& counter) {
-        while (counter < 2)
-            sched_yield();
+        for (int spin = 0; counter < 2; ++spin)
+            if (spin > 5000)
+                sched_yield();
     };
     const auto play = [&] {
         for (int round = 0; round < rounds; ++round) {

@@ -1,5 +1,6 @@
 #include "platform/posix/FileFacts.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -57,5 +58,8 @@ std::optional<FileFacts> FactsOf(int folder, const char* name) noexcept
 
 std::optional<FileFacts> FactsOf(const SystemPath& path) noexcept
 {
-    return FactsOf(AT_FDCWD, path.Text(), path.LastName());
+    if (path.IsUsable())
+        return FactsOf(AT_FDCWD, path.Text(), path.LastName());
+    errno = ENOENT;
+    return std::nullopt;
 }

@@ -30,7 +30,7 @@ struct FileFacts {
 };
 
 // Of the file that the name leads to through links, or of a link that leads nowhere; nothing, with errno set,
-// when there is no such file. The name counts from an open folder; the empty one is what the descriptor
-// stands for.
+// when there is no such file or the path is not usable. The name counts from an open folder; the empty one is
+// what the descriptor stands for.
 std::optional<FileFacts> FactsOf(int folder, const char* name) noexcept;
 std::optional<FileFacts> FactsOf(const SystemPath& path) noexcept;

@@ -115,7 +115,7 @@ UINT MakeTempFile(std::string_view front, char* path) noexcept
 DWORD CheckTempFolder(const SystemPath& folder, std::string_view prefix) noexcept
 {
     constexpr std::size_t longestName = 14; // with the separator before it and the NUL
-    const auto facts = folder.IsUsable() ? FactsOf(folder) : std::nullopt;
+    const auto facts = FactsOf(folder);
     if (!facts || !facts->IsFolder())
         return ERROR_DIRECTORY;
     if (folder.View().size() > MAX_PATH - longestName)
@@ -131,12 +131,12 @@ int _access(const char* path, int mode) noexcept
     constexpr int writable = 2;
     constexpr int readable = 4;
     const SystemPath name(path);
-    const auto facts = name.IsUsable() ? FactsOf(name) : std::nullopt;
+    const auto facts = FactsOf(name);
     const int wanted = ((mode & readable) != 0 ? R_OK : 0) | ((mode & writable) != 0 ? W_OK : 0);
     if (path == nullptr || (mode & ~(readable | writable)) != 0)
         errno = EINVAL;
     else if (!facts)
-        errno = name.IsUsable() && errno == EACCES ? EACCES : ENOENT;
+        errno = errno == EACCES ? EACCES : ENOENT;
     else if ((mode & writable) != 0 && facts->IsReadOnly() && !facts->IsFolder())
         errno = EACCES;
     else if (wanted == 0 || faccessat(AT_FDCWD, name.Text(), wanted, AT_EACCESS) == 0)

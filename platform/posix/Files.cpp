@@ -133,7 +133,7 @@ bool IsStillNamed(const SystemPath& path, const OpenedFile& file) noexcept
 
 DWORD OpenShared(const SystemPath& path, const OpenRequest& request, OpenedFile& file) noexcept
 {
-    constexpr int attempts = 10;
+    constexpr int attempts = 100; // a file system whose inode numbers do not last gets by with the last one
     for (int attempt = 1;; ++attempt) {
         file.descriptor = OpenOrMake(path, request, file.existed);
         if (!file.descriptor.IsOpen())

@@ -46,9 +46,9 @@ inline constexpr DWORD FILE_END = 2;
 // GENERIC_WRITE is error 87.
 //
 // Share modes hold between all handles made here, in this process and in others, by advisory locks that end
-// with their process; programs that do not ask for them are not kept out. A handle without any access takes
-// no part, nor one that may write a file it may not read. Where the file system has no locks, opening
-// succeeds unguarded.
+// with their process (and with what it forked that still has the file open); programs that do not ask for
+// them are not kept out. A handle without any access takes no part, nor one that may write a file it may not
+// read. Where the file system has no locks, opening succeeds unguarded.
 HANDLE CreateFileA(const char* path, DWORD access, DWORD share, void* security, DWORD disposition,
                    DWORD attributes, HANDLE model) noexcept;
 

@@ -11,7 +11,7 @@ namespace {
 // The bytes from here on: one per use in the order of the enumeration, then one per denial.
 constexpr off_t FirstByte = std::numeric_limits<off_t>::max() - 255;
 constexpr int UseCount = 3;
-constexpr int Attempts = 20;
+constexpr int Attempts = 15;
 
 struct flock LockOf(short type, int byte) noexcept
 {
@@ -65,7 +65,7 @@ void WaitShortly(int attempt) noexcept
 {
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    const long spread = 20'000L * (attempt + 1); // nanoseconds; uneven, so that two who met part
+    const long spread = 10'000L << attempt; // nanoseconds; uneven, so that two who met part
     const timespec pause = {0, (now.tv_nsec ^ getpid() * 7919L) % spread};
     nanosleep(&pause, nullptr);
 }

@@ -16,7 +16,8 @@ enum Use : unsigned { Reads = 1, Writes = 2, Deletes = 4 };
 
 // Whether a handle with these uses, which denies those to all others, may go with the ones that are open. If
 // so, its locks are kept until the descriptor is closed. No two handles that exclude each other are ever both
-// let in; of two that come at the same moment one gets in (after some retries within a few milliseconds). A
+// let in; of two that come at the same moment one gets in. For that, and while another deletes or replaces
+// the file, some waiting is done, usually for microseconds and never for more than a third of a second. A
 // file system without such locks lets everybody in. A whole-file lock of another program shuts everybody out.
 bool Enter(int descriptor, unsigned uses, unsigned denies) noexcept;
 
