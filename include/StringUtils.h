@@ -161,7 +161,7 @@ public:
     //   "*middle*"                     what contains it, exact; ignoring case by CString::MakeLower
     //   "a?b" "*?b"                    see MatchSpecQuestionMark, for all of it or what follows the "*"
     //   "*a?b*"                        almost everything: the pieces around the place of the "?" are taken
-    //                                  from the name, not from the specification, and looked for in the name
+    //                                  from the name, not from `spec`, and looked for in the name
     //   "*a*b"                         nothing
     static bool MatchSpec(const CString& text, const CString& spec, bool caseSensitive = true);
 
