@@ -438,8 +438,8 @@ TEST_F(FileNamesPlatformTest, LongAndShortNamesAreTheNameItself)
 
 TEST_F(FileNamesPlatformTest, FullNames)
 {
-    const std::string here = std::filesystem::current_path();
-    const std::string parent = std::filesystem::path(here).parent_path();
+    const std::filesystem::path here = std::filesystem::current_path();
+    const std::filesystem::path parent = here.parent_path();
     const struct {
         const char* path;
         std::string full;
@@ -451,9 +451,9 @@ TEST_F(FileNamesPlatformTest, FullNames)
         {"/../..", "/", nullptr},
         {"/", "/", nullptr},
         {"/a/..", "/", nullptr},
-        {"x", here + "/x", "x"},
-        {"..\\x", parent + "/x", "x"},
-        {"c:x", here + "/c:x", "c:x"},
+        {"x", (here / "x").string(), "x"},
+        {"..\\x", (parent / "x").string(), "x"},
+        {"c:x", (here / "c:x").string(), "c:x"},
         {"/a/...", "/a/...", "..."},
         {"//a", "/a", "a"},
     };
