@@ -65,9 +65,11 @@ void DateTime::Get(std::tm& time) const
 
 void DateTime::Get(int64& secondsSince1970) const noexcept
 {
+    if (IsValidDate() && m_nDay < FirstUnixDay)
+        return;
     if (!IsValid())
         secondsSince1970 = 0;
-    else if (m_nDay >= FirstUnixDay) // in 32 bits, which wrap
+    else // in 32 bits, which wrap
         secondsSince1970 = Wrapping::Sum(Wrapping::Product(m_nDay - FirstUnixDay, SECS_PER_DAY), m_nSecond);
 }
 

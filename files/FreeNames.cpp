@@ -52,6 +52,7 @@ CString FileUtils::GetUniqueFileName(const CString& dir, const CString& fileName
 
 CString DirUtils::GetUniqueSubDir(const CString& parentDir, const CString& subDirName)
 {
+    // Kept: a / at the end will not do.
     const bool endsInBackslash = !parentDir.IsEmpty() && parentDir[parentDir.GetLength() - 1] == '\\';
     if (!endsInBackslash || !PathExists(parentDir) || StringUtils::IsEffectivelyEmpty(subDirName))
         return {};

@@ -59,6 +59,15 @@ std::optional<CString> StoredName(const CString& folder, const CString& name, Wa
     return found || !PathExists(folder + name) ? found : name;
 }
 
+// Whether a folder of exactly this name is listed.
+bool IsStored(const CString& folder, const CString& name)
+{
+    for (FolderListing listing(folder); listing.Next();)
+        if (listing.IsFolder() && name == listing.Name())
+            return true;
+    return false;
+}
+
 // The start of the result: the first part, found below the separator in front of it, or a drive in upper
 // case.
 std::optional<CString> StoredFirstPart(const CString& front, const CString& part)
@@ -66,7 +75,9 @@ std::optional<CString> StoredFirstPart(const CString& front, const CString& part
     constexpr int ShorterThan = 4; // with its separator: "c:\"
     CString upper(part);
     upper.MakeUpper();
-    if (front.IsEmpty() && part.GetLength() + 1 < ShorterThan && PathExists(upper + "\\"))
+    const bool isShort = front.IsEmpty() && part.GetLength() + 1 < ShorterThan;
+    const bool areTwoFolders = isShort && part != upper && IsStored(front, part) && IsStored(front, upper);
+    if (isShort && !areTwoFolders && PathExists(upper + "\\"))
         return upper;
     return StoredName(front, part, Wanted::Folder);
 }
@@ -74,6 +85,8 @@ std::optional<CString> StoredFirstPart(const CString& front, const CString& part
 // The directory path in stored case, or nothing when it does not exist in any letter case.
 std::optional<CString> StoredFolder(const CString& dirPath)
 {
+    if (dirPath.Find('\0') >= 0)
+        return std::nullopt;
     TextArray parts;
     DirUtils::BreakUpDirs(dirPath, parts);
     const bool beginsWithSeparator = PathParts::IsSeparator(dirPath[0]);
@@ -102,7 +115,7 @@ CString FileUtils::GetCaseSensitiveFilePath(const CString& path)
     const CString folderPart = DirUtils::ParsePathFromFile(path);
     const CString name = ParseFileNameFromPath(path, true);
     const auto folder = folderPart.IsEmpty() ? std::optional(CString()) : StoredFolder(folderPart);
-    if (!folder || name.IsEmpty())
+    if (!folder || name.IsEmpty() || name.Find('\0') >= 0)
         return path;
     const auto stored = StoredName(*folder, name, Wanted::Anything);
     return stored ? *folder + *stored : path;

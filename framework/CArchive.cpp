@@ -214,10 +214,12 @@ std::size_t CArchive::Read(void* buffer, std::size_t count)
     while (done < count) {
         const std::size_t left = count - done;
         std::size_t got = 0;
-        if (left >= m_bufferSize)
+        if (left >= m_bufferSize) {
+            m_current = m_loadLimit = m_buffer; // what it holds is no longer what was read last
             m_fetched += got = m_file->Read(to + done, left);
-        else if (Fetch() > 0)
+        } else if (Fetch() > 0) {
             got = TakeFetched(to + done, left);
+        }
         if (got == 0)
             break;
         done += got;

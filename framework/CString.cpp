@@ -480,7 +480,7 @@ char* CString::GetBufferSetLength(int length)
 
 void CString::ReleaseBuffer(int newLength)
 {
-    char* const text = IsLong() ? LongText() : m_bytes;
+    char* const text = Writable(0); // never a block that others read
     const int capacity = GetAllocLength();
     if (newLength < 0)
         newLength = static_cast<int>(strnlen(text, Size(capacity)));

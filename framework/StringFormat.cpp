@@ -33,11 +33,11 @@ public:
 
     void Write(const char* at)
     {
-        while (*at != '\0') {
-            const char* const percent = std::find(at, at + std::strlen(at), '%');
+        while (const char* const percent = std::strchr(at, '%')) {
             m_out.Append(at, static_cast<int>(percent - at));
-            at = *percent == '\0' ? percent : WriteDirective(percent);
+            at = WriteDirective(percent);
         }
+        m_out.Append(at);
     }
 
 private:
@@ -67,7 +67,7 @@ private:
         at = ReadNumber(at, directive.width);
         if (directive.width < 0) { // as printf takes a negative * width
             directive.flags += '-';
-            directive.width = directive.width == -CString::MaxLength ? CString::MaxLength : -directive.width;
+            directive.width = -directive.width;
         }
         if (*at == '.') {
             directive.precision = 0;

@@ -74,8 +74,8 @@ public:
     std::size_t Read(void* buffer, std::size_t count);
     void EnsureRead(void* buffer, std::size_t count);
     void Write(const void* buffer, std::size_t count);
-    // How many bytes are known to be left for loading: never more than there are, and 0 for a file that does
-    // not know its length.
+    // How many bytes are known to be left for loading: never more than there are. Of a file that does not
+    // know its length, those that have been fetched.
     uint64 GetBytesAhead() const noexcept;
 
     // ---- numbers and bool -------------------------------------------------------------------------------
@@ -116,6 +116,7 @@ public:
     // A text that was stored as UTF-16 loads as Windows-1252, with a '?' for every 16-bit unit that has no
     // character there; such texts are never stored.
     CArchive& operator<<(const CString& text) { return StoreText(text.View()); }
+    CArchive& operator<<(const char* text) { return *this << CString(text); }
     CArchive& operator<<(const std::string& text) { return StoreText(text); }
     CArchive& operator>>(CString& text)
     {

@@ -2,9 +2,8 @@
 // written to; growth is geometric, so writing n bytes in small pieces costs O(n).
 //
 // Bytes of the caller's may be attached. They stay the caller's and must live as long as they are attached:
-//   growBytes == 0   the file holds these bytes and never gets longer (a Write beyond them raises diskFull
-//   and
-//                    writes nothing)
+//   growBytes == 0   the file holds these bytes and never gets longer: a Write beyond them raises diskFull
+//                    and writes nothing
 //   growBytes > 0    the file starts empty, fills these bytes first, and moves to memory of its own when they
 //                    no longer suffice
 #pragma once

@@ -81,8 +81,9 @@ public:
     // failure. Weekday, day of the year and summer time are never written. A missing time is written as
     // 0:00:-1.
     void Get(std::tm& time) const;
-    // The local date and time counted as if they were UTC; 0 when a half is missing; a date before 1970
-    // leaves the output as it is. Wraps to 32 bits after 19 January 2038, 3:14:07: hosts store these numbers.
+    // The local date and time counted as if they were UTC. A date before 1970, with or without a time, leaves
+    // the output as it is; else a missing half gives 0. Wraps to 32 bits after 19 January 2038, 3:14:07:
+    // hosts store these numbers.
     void Get(int64& secondsSince1970) const noexcept;
     // Status invalid and date 0 when a half is missing or OLE dates have no such day: years below 100, 29
     // February 1500.

@@ -49,7 +49,7 @@ public:
     static void ConvertToLongFileName(CString& path);
     static void ConvertToShortFileName(CString& path);
     // The path with every part in the letter case stored on disk, joined by \ (a separator in front is kept).
-    // Parts are looked up ignoring case, an exact match first. A path that does not exist in any letter case
-    // comes back as it is.
+    // Parts are looked up ignoring case, an exact match first, each by itself: what lies below it decides
+    // nothing. A path that does not exist in any letter case comes back as it is.
     static CString GetCaseSensitiveFilePath(const CString& path);
 };

@@ -1,6 +1,7 @@
 // LocaleUtils: the user's regional settings, one question each.
 //
-// Every call asks the platform anew, so that a change of the settings counts at the next call. Five
+// Every call asks the platform anew, so that a change of the settings counts at the next call (one
+// made by another process within a second). Five
 // separators are the exception: they are read once and kept. A text is in the process code page; the
 // platform's failure gives an empty text or 0 and, for texts, a line in the application log. Nothing throws
 // but std::bad_alloc. Getters cost well under a microsecond, those of the five separators a few nanoseconds,

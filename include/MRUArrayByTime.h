@@ -37,9 +37,10 @@ public:
     // Stores all, from the largest total down. Loading replaces the texts once all is read, so that an
     // exception leaves them as they were; a record of an unknown version raises CArchiveException. It reads
     // what is stored and also the legacy container layout. The word where the current layout has its version,
-    // 1, tells them apart. A legacy count of 1 has the same word: it is taken for legacy when the current
-    // layout would claim 65536 totals or more that the data ahead are too short for (that is, always but for
-    // a total whose lower 48 bits are 0, which is read as an empty table).
+    // 1, tells them apart. A legacy count of 1 has the same word (so have 1 more than a
+    // multiple of 65536, which are not recognised): it is taken for legacy when the current layout would
+    // claim 65536 totals or more that the data ahead are too short for (that is, always but for a total whose
+    // lower 48 bits are 0, which is read as an empty table).
     void Serialize(CArchive& archive);
 
 private:

@@ -174,7 +174,8 @@ public:
     // ---- parts of texts ---------------------------------------------------------------------------------
 
     // The common front of two texts, or of all that are not empty; as it is spelled in the first one given,
-    // unless it is the whole of the second. Ignoring case by the upper-case table.
+    // unless it is the whole of the second; GetCommonText spells it as the last of the items does, unless
+    // that is longer than what was common before. Ignoring case by the upper-case table.
     static CString DetermineCommonChars(const CString& a, const CString& b, bool caseSensitive = true);
     static CString GetCommonText(const TextArray& items, bool caseSensitive = true);
 

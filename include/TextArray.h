@@ -14,6 +14,7 @@
 #include "CString.h"
 #include "Kvt01Api.h"
 
+#include <concepts>
 #include <cstddef>
 #include <vector>
 
@@ -78,7 +79,11 @@ public:
     void RemoveFirst() { Remove(std::size_t{0}); }
     void RemoveLast();
     void Remove(std::size_t index);
-    void Remove(int index) { Remove(static_cast<std::size_t>(index)); }
+    template <std::integral Index>
+    void Remove(Index index)
+    {
+        Remove(static_cast<std::size_t>(index));
+    }
     void Remove(const CString& s); // the first equal element, with case
     void Remove(const char* s) { Remove(CString(s)); }
     void RemoveAll() { m_strings.clear(); }
@@ -89,8 +94,8 @@ public:
     bool MoveToFirst(const CString& s, bool caseSensitive = true);
     bool MoveToLast(const CString& s, bool caseSensitive = true);
     // As many of `count` characters as there are from `position` on. Nothing for a position outside the
-    // element or below 0, or a count below 1.
-    void RemoveCharsFromIndex(std::size_t index, int position, int count);
+    // element or a count of 0.
+    void RemoveCharsFromIndex(std::size_t index, std::size_t position, std::size_t count);
     // Every element becomes text + element at the front, else element + text.
     void AdjustEntries(const CString& text, bool atFront);
     // Appends the decimal texts of from..to, grouped by the user's settings when `grouped`. Nothing when
@@ -140,7 +145,9 @@ public:
                                  Content content);
     // Equal elements come in no particular order. Each string is read once or a few times, so that the time
     // hardly depends on what the comparison costs; an array in order, or in the opposite one, is only read.
-    // Where SortCompareItems is no strict ordering the result is some order of the same elements.
+    // Names with numbers of three decimals or more, or of more than 127 digits, are compared by the rule
+    // itself where all else is equal, at its cost. Where SortCompareItems is no strict ordering the result is
+    // some order of the same elements.
     void Sort(bool ascending = true, bool caseSensitive = true, Content content = ContentText);
     // Where s was put. Ascending: at the end when the last element comes before s. Descending: at the front
     // when the first element is greater than s, which puts s in front of it; lists in that order exist.

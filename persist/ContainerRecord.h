@@ -41,7 +41,8 @@ template <class Element>
 void ReserveLikely(const CArchive& archive, std::vector<Element>& list, std::size_t count)
 {
     constexpr std::size_t Few = 64;
-    constexpr uint64 MemoryPerByte = 8; // short texts take more memory than room in the archive
+    // Short texts take more memory than room in the archive.
+    constexpr uint64 MemoryPerByte = std::is_arithmetic_v<Element> ? 1 : 8;
     if (count > Few) {
         const uint64 likely = Few + archive.GetBytesAhead() / sizeof(Element) * MemoryPerByte;
         count = static_cast<std::size_t>(std::min<uint64>({count, likely, list.max_size()}));

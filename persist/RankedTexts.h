@@ -44,14 +44,25 @@ public:
         return first;
     }
 
-    void Append(Rank rank, const CString& text) { LinkLast(NewEntry(text), rank); }
-    void Prepend(Rank rank, const CString& text) { LinkFirst(NewEntry(text), rank); }
+    void Append(Rank rank, const CString& text)
+    {
+        MakeRoom(rank);
+        LinkLast(NewEntry(text), rank);
+    }
+    void Prepend(Rank rank, const CString& text)
+    {
+        MakeRoom(rank);
+        LinkFirst(NewEntry(text), rank);
+    }
 
     // To the end of a bucket, in another wording of an equal text.
     void MoveToEndOf(Rank rank, Place place, const CString& text)
     {
-        Unlink(place);
         m_entries[place].text = text;
+        if (m_entries[place].rank == rank && m_entries[place].after == None)
+            return;
+        m_buckets[rank]; // the only step that can fail comes first
+        Unlink(place);
         LinkLast(place, rank);
     }
     void MoveToFront(Place place)
@@ -121,21 +132,29 @@ private:
     }
 
     // ---- entries ----------------------------------------------------------------------------------------
+    // All that can fail when an entry is added, before anything is changed.
+    void MakeRoom(Rank rank)
+    {
+        if (m_free == None && m_entries.size() >= None)
+            throw std::length_error("too many texts");
+        if (m_free == None && m_entries.size() == m_entries.capacity())
+            m_entries.reserve(2 * m_entries.size() + 1);
+        if (m_count == m_slots.size())
+            GrowSlots();
+        m_buckets[rank];
+    }
     Place NewEntry(const CString& text)
     {
         Place place = m_free;
         if (place != None) {
             m_free = m_entries[place].after;
         } else {
-            if (m_entries.size() >= None)
-                throw std::length_error("too many texts");
             place = static_cast<Place>(m_entries.size());
             m_entries.emplace_back();
         }
         m_entries[place].text = text;
         m_entries[place].hash = HashOf(text);
-        if (++m_count > m_slots.size())
-            GrowSlots();
+        ++m_count;
         AddToSlot(place);
         return place;
     }
@@ -159,7 +178,7 @@ private:
     void GrowSlots()
     {
         constexpr std::size_t FirstSize = 16;
-        m_slots.assign(m_slots.empty() ? FirstSize : m_slots.size() * 2, None);
+        m_slots = std::vector<Place>(m_slots.empty() ? FirstSize : m_slots.size() * 2, None);
         ForEach([this](Place place) {
             AddToSlot(place);
             return true;

@@ -311,6 +311,25 @@ TEST(RewindArchive, ReadsAgainWhatWasJustRead)
     }
 }
 
+TEST(RewindArchive, StepsBackIntoABlockThatPassedTheBuffer)
+{
+    std::string bytes;
+    for (int i = 0; i < 600; ++i)
+        bytes += static_cast<char>(i % 251);
+    CMemFile file;
+    file.Write(bytes.data(), bytes.size());
+    file.SeekToBegin();
+    CRewindArchive archive(&file, CArchive::load, 128);
+    WORD word = 0;
+    archive >> word;
+    std::string block(500, '\0');
+    archive.EnsureRead(block.data(), block.size());
+    EXPECT_EQ(block, bytes.substr(2, 500));
+    archive.DoRewindInt();
+    archive >> word;
+    EXPECT_EQ(word, static_cast<BYTE>(bytes[498]) | static_cast<BYTE>(bytes[499]) << 8);
+}
+
 TEST(RewindArchive, StopsWhereTheArchiveBegan)
 {
     std::string bytes = "before" + BytesOf("0102 0304");

@@ -183,6 +183,24 @@ TEST(CString, TakesPositionsOutsideTheTextAsTheNearestInside)
     EXPECT_THROW(CString("abc").Append(text, CString::MaxLength), std::length_error);
 }
 
+TEST(CString, BuffersAreTakenBackUpToTheNulOrTheirRoom)
+{
+    for (const int room : {10, 200}) {
+        CString text;
+        std::strcpy(text.GetBuffer(room), "short");
+        text.ReleaseBuffer();
+        ExpectSame(text, "short");
+        std::fill_n(text.GetBuffer(room), room, 'x');
+        text.ReleaseBuffer(0x7FFFFFFF);
+        EXPECT_GE(text.GetLength(), room);
+        EXPECT_EQ(text.GetLength(), text.GetAllocLength());
+    }
+    CString shared(Sample(40));
+    CString other(shared);
+    other.ReleaseBuffer(5); // without a buffer taken before
+    ExpectSame(shared, Sample(40));
+}
+
 TEST(CString, SearchesSplitsAndReplaces)
 {
     CString path(" \t C:/one/two.txt \n");
@@ -238,6 +256,8 @@ TEST(CString, FormatsSafelyWhatPrintfCannot)
     EXPECT_EQ(text, "own text|42");
     text.Format("%d|%d|%I64d|%5", "word", 2.5, int64{1} << 40);
     EXPECT_EQ(text, "word|2.5|1099511627776|%5");
+    text.Format("%*d|%*y%d|%*d", -4, 7, 1);
+    EXPECT_EQ(text, "7   |%*y1|%*d");
     text.Format("%n%s %", 1);
     EXPECT_EQ(text, "%s %");
     text.AppendFormat("%s", static_cast<const char*>(nullptr));

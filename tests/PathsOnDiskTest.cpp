@@ -129,6 +129,23 @@ TEST_F(PathsOnDisk, PathsComeBackInTheCaseThatIsStored)
     EXPECT_EQ(FileUtils::GetCaseSensitiveFilePath(""), "");
 }
 
+TEST_F(PathsOnDisk, ShortFirstPartsAreDrivesOnlyWhereThatIsTheSamePlace)
+{
+    m_folder.Write("NOTES", "");
+    for (const char* name : {"ab", "AB", "cd", "EF", "notes"})
+        MakeFolder(name);
+    fs::current_path(m_folder.Path());
+    EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath("ab/"), "ab\\"); // both are there
+    EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath("cd"), "cd\\");
+    EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath("ef"), "EF\\");
+    EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath("Notes"), "notes\\"); // the file is no folder
+    EXPECT_EQ(FileUtils::GetCaseSensitiveFilePath("ab/"), "ab/");
+    const CString withNul("NOTES\0x", 7);
+    EXPECT_EQ(FileUtils::GetCaseSensitiveFilePath(withNul), withNul);
+    EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(withNul), withNul);
+    fs::current_path("/");
+}
+
 TEST_F(PathsOnDisk, LongAndShortNamesLeaveOtherPathsAlone)
 {
     m_folder.Write("long~1.txt", "");

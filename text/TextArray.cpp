@@ -112,10 +112,12 @@ bool TextArray::MoveToLast(const CString& s, bool caseSensitive)
     return true;
 }
 
-void TextArray::RemoveCharsFromIndex(std::size_t index, int position, int count)
+void TextArray::RemoveCharsFromIndex(std::size_t index, std::size_t position, std::size_t count)
 {
-    if (index < GetCount() && position >= 0 && count > 0)
-        m_strings[index].Delete(position, count);
+    const std::size_t length = GetLengthAt(index);
+    if (position < length)
+        m_strings[index].Delete(static_cast<int>(position),
+                                static_cast<int>(std::min(count, length - position)));
 }
 
 void TextArray::AdjustEntries(const CString& text, bool atFront)

@@ -21,7 +21,7 @@ std::string FolderOfThisBinary()
         return {};
     const std::string file = about.dli_fname;
     const std::size_t separator = file.rfind('/');
-    return separator == std::string::npos ? "." : file.substr(0, separator);
+    return separator == std::string::npos ? std::string() : file.substr(0, separator);
 }
 
 } // namespace

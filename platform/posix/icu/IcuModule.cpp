@@ -127,9 +127,11 @@ bool ReadLocale(std::string_view name, Locale& locale)
     const bool isPlausible = locale.language.size() >= 2 && locale.language.size() <= 3 &&
                              std::all_of(locale.language.begin(), locale.language.end(),
                                          [](char c) { return c >= 'a' && c <= 'z'; });
-    const std::string script = ScriptOf(name.substr(std::min(modifier + 1, name.size())));
-    if (!isPlausible || !IsLanguage(locale.language))
+    std::string script = ScriptOf(name.substr(std::min(modifier + 1, name.size())));
+    if (!isPlausible || locale.language == "und" || !IsLanguage(locale.language))
         return false;
+    if (!IsLanguage(locale.language + script)) // a script that there are no data for
+        script.clear();
     if (!IsRegion(locale.region))
         locale.region = RegionOf(Likely(locale.language + script));
     if (!IsRegion(locale.region)) // a language of no country
