@@ -243,7 +243,7 @@ TEST(TextArrayLists, EditsAndLimits)
     TextArray array = ArrayOf({"abcdef", ""});
     array.RemoveCharsFromIndex(0, 4, INT_MAX);
     array.RemoveCharsFromIndex(0, 4, 1);
-    array.RemoveCharsFromIndex(0, -1, 1);
+    array.RemoveCharsFromIndex(0, static_cast<std::size_t>(-1), 1);
     array.RemoveCharsFromIndex(0, 1, 0);
     array.RemoveCharsFromIndex(9, 0, 1);
     array.RemoveCharsFromIndex(0, 1, 2);

@@ -46,7 +46,7 @@ struct OpenRequest {
 
 struct OpenedFile {
     FileDescriptor descriptor;
-    struct stat state;
+    struct stat state = {};
     bool existed = true;
 };
 
@@ -90,7 +90,7 @@ FileDescriptor OpenOrMake(const SystemPath& path, const OpenRequest& request, bo
 
 DWORD OpenError(const SystemPath& path, const OpenRequest& request, int posixError) noexcept
 {
-    struct stat state;
+    struct stat state = {};
     if (posixError == EISDIR && stat(path.Text(), &state) != 0) // a new file was to be made as "name/"
         return ERROR_INVALID_NAME;
     const bool isThere = posixError == EEXIST || (posixError == EISDIR && request.disposition == CREATE_NEW);
@@ -126,7 +126,7 @@ DWORD CheckSharing(const OpenedFile& file, const OpenRequest& request) noexcept
 // False if the file was deleted or replaced after it was opened and before its locks were there.
 bool IsStillNamed(const SystemPath& path, const OpenedFile& file) noexcept
 {
-    struct stat state;
+    struct stat state = {};
     return stat(path.Text(), &state) == 0 && state.st_ino == file.state.st_ino &&
            state.st_dev == file.state.st_dev;
 }
@@ -216,7 +216,7 @@ int64 StartOf(HANDLE handle, DWORD method) noexcept
     if (method > FILE_END)
         return Fail(ERROR_INVALID_PARAMETER), -1;
     const int descriptor = OpenFiles::DescriptorOf(handle);
-    struct stat state;
+    struct stat state = {};
     const int64 start = method == FILE_BEGIN             ? 0
                         : method == FILE_CURRENT         ? lseek(descriptor, 0, SEEK_CUR)
                         : fstat(descriptor, &state) == 0 ? state.st_size
@@ -323,7 +323,7 @@ BOOL GetFileSizeEx(HANDLE handle, LARGE_INTEGER* size) noexcept
 {
     if (!Has(handle, OpenFiles::Open))
         return FALSE;
-    struct stat state;
+    struct stat state = {};
     if (fstat(OpenFiles::DescriptorOf(handle), &state) != 0)
         return Fail(ErrorForErrno(errno));
     size->QuadPart = state.st_size;

@@ -160,7 +160,7 @@ int GetNumberFormatA(LCID, DWORD flags, const char* value, const NUMBERFMTA* for
     if (size == 0)
         return needed;
     Writer out(buffer + needed);
-    out.Put(std::string_view("", 1));
+    out.Put(std::string_view("", 1)); // NOLINT(bugprone-string-constructor): the closing NUL
     out.Put(sign.behind);
     out.Put(number.fraction);
     out.Put(point);
