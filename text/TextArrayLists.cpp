@@ -127,16 +127,6 @@ bool PrefixIndex::HasPrefixOf(const CString& text) const
     return false;
 }
 
-// Only the backslash is looked for behind the dot: "dir.x/file" has the extension "x/file".
-CString ExtensionOf(const CString& path)
-{
-    const std::string_view text = path.View();
-    const auto dot = text.rfind('.');
-    if (dot == std::string_view::npos || text.find('\\', dot) != std::string_view::npos)
-        return {};
-    return CString(text.substr(dot + 1));
-}
-
 } // namespace
 
 bool TextArray::RemoveDuplicates(bool caseSensitive, Content content)
@@ -245,8 +235,9 @@ void TextArray::RemoveFilesWithExt(const TextArray& extensions)
     ItemIndex index(extensions.m_strings, false, ContentText);
     for (std::size_t i = 0; i < extensions.GetCount(); ++i)
         index.FindOrAdd(i);
-    RemoveWhere(m_strings,
-                [&](std::size_t i) { return index.Find(ExtensionOf(m_strings[i])) != HashIndex::None; });
+    RemoveWhere(m_strings, [&](std::size_t i) {
+        return index.Find(FileUtils::GetFileExt(m_strings[i])) != HashIndex::None;
+    });
 }
 
 void TextArray::RemoveFilesNameEndsWith(const CString& ending, bool caseSensitive)
