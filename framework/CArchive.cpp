@@ -273,6 +273,11 @@ uint64 CArchive::ReadCount()
 {
     WORD word = 0;
     *this >> word;
+    return LoadCountAfter(word);
+}
+
+uint64 CArchive::LoadCountAfter(WORD word)
+{
     if (word != MoreThanWord)
         return word;
     DWORD dword = 0;
@@ -300,15 +305,7 @@ uint64 CArchive::LoadTextLength(bool& isWide)
         isWide = true;
         return LoadTextLength(isWide);
     }
-    if (word != MoreThanWord)
-        return word;
-    DWORD dword = 0;
-    *this >> dword;
-    if (dword != MoreThanDword)
-        return dword;
-    uint64 length = 0;
-    *this >> length;
-    return length;
+    return LoadCountAfter(word);
 }
 
 void CArchive::LoadLongText(CString& text)

@@ -189,6 +189,7 @@ private:
     void LoadLongText(CString& text);
     void LoadNarrowText(CString& text, uint64 length);
     void LoadWideText(CString& text, uint64 length);
+    uint64 LoadCountAfter(WORD word); // the word, or the wider number that it announces
     uint64 LoadTextLength(bool& isWide);
 
     void MakeRoom(std::size_t count);

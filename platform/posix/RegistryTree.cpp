@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "platform/posix/CoarseClock.h"
+#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/PosixErrors.h"
 #include "platform/posix/PosixPlatform.h"
 
@@ -30,22 +31,6 @@ LSTATUS StatusOfErrno()
 {
     return Status(ErrorForErrno(errno));
 }
-
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-    }
-    int Get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 bool IsFolder(const std::string& path)
 {
@@ -193,7 +178,7 @@ Value Read(const std::string& path)
 Value ReadFile(const std::string& path, std::size_t room)
 {
     // Not to wait for a pipe's other end.
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat about;
     if (file.Get() < 0 || fstat(file.Get(), &about) != 0)
         return {StatusOfErrno(), 0, {}};
@@ -235,7 +220,7 @@ LSTATUS CreateKey(const std::string& folder)
 LSTATUS Write(const std::string& path, std::string_view text)
 {
     std::string fresh = path.substr(0, path.rfind('/')) + "/%newXXXXXX"; // no name is written like that
-    const Descriptor file(mkostemp(fresh.data(), O_CLOEXEC));
+    const FileDescriptor file(mkostemp(fresh.data(), O_CLOEXEC));
     if (file.Get() < 0)
         return StatusOfErrno();
     // A line end of the text's own is kept by one more, which the reader takes off.
