@@ -90,19 +90,36 @@ void CString::Release() noexcept
         std::free(block);
 }
 
+// The text has room for at least FrontSize characters.
 void CString::SetLong(char* text, int length) noexcept
 {
     ClearBytes();
-    std::memcpy(m_bytes, &text, sizeof text);
-    std::memcpy(m_bytes + sizeof text, &length, sizeof length);
+    std::memcpy(m_bytes + TextAt, &text, sizeof text);
+    std::memcpy(m_bytes + LengthAt, &length, sizeof length);
+    SetFront();
+}
+
+// After each change of a long text's first characters.
+void CString::SetFront() noexcept
+{
+    std::memcpy(m_bytes, LongText(), FrontSize);
     m_bytes[TagAt] = static_cast<char>(LongTag);
 }
 
-// The length of a text that is ours alone; what lies behind it is closed with a NUL, or zeros if short.
+// From now on the first characters may be changed behind our back.
+void CString::HandOut() noexcept
+{
+    if (IsLong())
+        m_bytes[TagAt] = static_cast<char>(HandedOutTag);
+}
+
+// The length of a text that is ours alone, after any change of it; what lies behind it is closed with a NUL,
+// or zeros if short.
 void CString::SetLength(int length) noexcept
 {
     if (IsLong()) {
         SetLongLength(length);
+        SetFront();
     } else {
         std::memset(m_bytes + length, 0, Size(TagAt - length));
         m_bytes[TagAt] = static_cast<char>(length);
@@ -182,11 +199,23 @@ CString& CString::AppendChar(char c)
 
 void CString::SetAt(int index, char c)
 {
-    if (index >= 0 && index < GetLength())
-        Writable(0)[index] = c;
+    if (index < 0 || index >= GetLength())
+        return;
+    Writable(0)[index] = c;
+    SetLength(GetLength());
 }
 
 // ---- comparing ------------------------------------------------------------------------------------------
+
+int CString::CompareTexts(const CString& other) const noexcept
+{
+    const char* const text = GetString();
+    const char* const otherText = other.GetString();
+    const int length = GetLength();
+    if (length == other.GetLength() && std::memcmp(text, otherText, Size(length)) == 0)
+        return 0;
+    return std::strcmp(text, otherText); // which ends at a NUL inside
+}
 
 int CString::Compare(const char* other) const noexcept
 {
@@ -282,6 +311,7 @@ CString& CString::ChangeEach(Step step)
     const int length = GetLength();
     char* const text = Writable(0);
     std::transform(text, text + length, text, step);
+    SetLength(length);
     return *this;
 }
 
@@ -299,6 +329,7 @@ CString& CString::MakeReverse()
 {
     char* const text = Writable(0);
     std::reverse(text, text + GetLength());
+    SetLength(GetLength());
     return *this;
 }
 
@@ -464,7 +495,9 @@ std::ostream& operator<<(std::ostream& out, const CString& text)
 
 char* CString::GetBuffer(int minLength)
 {
-    return Writable(minLength);
+    char* const text = Writable(minLength);
+    HandOut();
+    return text;
 }
 
 char* CString::GetBufferSetLength(int length)
@@ -475,6 +508,7 @@ char* CString::GetBufferSetLength(int length)
     if (length > old)
         std::memset(text + old, 0, Size(length - old));
     SetLength(length);
+    HandOut();
     return text;
 }
 

@@ -133,6 +133,11 @@ public:
     void SetString(const char* text) { *this = CString(text); }
     void SetString(const char* text, int length) { *this = CString(text, length); }
 
+    // The first FrontSize characters, to be read without a look at a long text itself, which lies elsewhere.
+    // A shorter text ends in a NUL, and what stands behind that is undefined.
+    static constexpr int FrontSize = 16;
+    const char* GetFront() const noexcept { return IsHandedOut() ? LongText() : m_bytes; }
+
     // ---- single characters; a position outside the text reads as NUL, and SetAt does nothing there ------
     char GetAt(int index) const noexcept
     {
@@ -178,13 +183,7 @@ public:
     int Compare(const char* other) const noexcept;
     int Compare(const CString& other) const noexcept
     {
-        const int length = GetLength();
-        const bool isEqual =
-            !IsLong() && !other.IsLong()
-                ? HasSameBytes(other)
-                : length == other.GetLength() &&
-                      std::memcmp(GetString(), other.GetString(), static_cast<std::size_t>(length)) == 0;
-        return isEqual ? 0 : std::strcmp(GetString(), other.GetString()); // which ends at a NUL inside
+        return !IsLong() && HasSameBytes(other) ? 0 : CompareTexts(other);
     }
     int CompareNoCase(const char* other) const noexcept;
     int Collate(const char* other) const noexcept;
@@ -294,8 +293,11 @@ private:
         std::atomic<int> references;
         int capacity; // characters, the closing NUL not counted
     };
+    static constexpr int TextAt = 16;   // in a long text: where its pointer,
+    static constexpr int LengthAt = 24; // and its length stand
     static constexpr int TagAt = 31;
     static constexpr signed char LongTag = -1;
+    static constexpr signed char HandedOutTag = -2; // long, and its buffer may be written by the owner
 
     static std::string_view ViewOf(const char* text) noexcept
     {
@@ -309,7 +311,8 @@ private:
     }
     [[noreturn]] static void ThrowTooLong();
 
-    bool IsLong() const noexcept { return static_cast<signed char>(m_bytes[TagAt]) == LongTag; }
+    bool IsLong() const noexcept { return static_cast<signed char>(m_bytes[TagAt]) < 0; }
+    bool IsHandedOut() const noexcept { return static_cast<signed char>(m_bytes[TagAt]) == HandedOutTag; }
     bool HasSameBytes(const CString& other) const noexcept
     {
         return std::memcmp(m_bytes, other.m_bytes, sizeof m_bytes) == 0;
@@ -319,13 +322,13 @@ private:
     char* LongText() const noexcept
     {
         char* text;
-        std::memcpy(&text, m_bytes, sizeof text);
+        std::memcpy(&text, m_bytes + TextAt, sizeof text);
         return text;
     }
     int LongLength() const noexcept
     {
         int length;
-        std::memcpy(&length, m_bytes + sizeof(char*), sizeof length);
+        std::memcpy(&length, m_bytes + LengthAt, sizeof length);
         return length;
     }
     // Copies 0 to MaxInline characters, as two pieces that may overlap.
@@ -356,14 +359,17 @@ private:
     }
     void SetLongLength(int length) noexcept
     {
-        std::memcpy(m_bytes + sizeof(char*), &length, sizeof length);
+        std::memcpy(m_bytes + LengthAt, &length, sizeof length);
         LongText()[length] = '\0';
     }
+    int CompareTexts(const CString& other) const noexcept;
     void AddReference() const noexcept;
     void Release() noexcept;
     void MakeLong(const char* text, int length);
     static char* Reallocate(char* old, int capacity);
     void SetLong(char* text, int length) noexcept;
+    void SetFront() noexcept;
+    void HandOut() noexcept;
     void SetLength(int length) noexcept;
     char* Writable(int capacity);
     char* WritableForAppend(int added);
@@ -373,8 +379,9 @@ private:
     void AppendFormatList(const char* format, const FormatArgument* arguments, std::size_t count);
 
     // Either the characters with zeros up to the end and the length in the last byte, or, when that byte is
-    // LongTag, a pointer to the text of a counted block, the length and zeros. Equal bytes mean equal texts,
-    // and between two short texts the reverse holds too.
+    // LongTag or HandedOutTag, the first 16 characters of the text's buffer, a pointer to the text of a
+    // counted block, the length and zeros. Equal bytes mean equal texts, and between two short texts the
+    // reverse holds too.
     alignas(8) char m_bytes[32];
 };
 

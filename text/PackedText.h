@@ -2,8 +2,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "framework/RuntimeText.h"
@@ -12,10 +14,9 @@ namespace PackedText {
 
 inline std::uint64_t LoadEight(const char* text)
 {
-    std::uint64_t word = 0;
-    for (int i = 0; i < 8; ++i)
-        word = word << 8 | static_cast<unsigned char>(text[i]);
-    return word;
+    std::uint64_t word;
+    std::memcpy(&word, text, sizeof word);
+    return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
 }
 
 // Up to eight bytes from `at` on, the first one highest; zeros stand for those behind the end.

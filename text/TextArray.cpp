@@ -1,6 +1,7 @@
 #include "TextArray.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "NumberTextConv.h"
 #include "StringUtils.h"
 #include "framework/NeverDestroyed.h"
+#include "text/PackedText.h"
 
 static constinit NeverDestroyed<CString> decimalSeparator;
 constinit CString& TextArray::m_csDecimal = decimalSeparator.value;
@@ -187,34 +189,51 @@ void TextArray::Dump() const
 
 namespace {
 
-// One text that many are compared with. An equal one ends where it ends, with or without case, so that most
-// others are turned away by a single byte.
+// One text that many are compared with. Most others are turned away by their first characters.
 class WantedText {
 public:
-    WantedText(const CString& text, bool caseSensitive)
-        : m_text(text), m_length(static_cast<int>(std::strlen(text))), m_caseSensitive(caseSensitive)
+    WantedText(const CString& text, bool caseSensitive, std::size_t others)
+        : m_text(text), m_caseSensitive(caseSensitive),
+          m_folding(caseSensitive || others < WorthFolding ? PackedText::CaseFolding::Exact()
+                                                           : PackedText::CaseFolding::Runtime())
     {
+        if (!caseSensitive && others < WorthFolding)
+            return; // all of them are compared
+        const char* const front = text.GetString();
+        const std::size_t told = std::min(std::strlen(front) + 1, sizeof m_front); // the closing NUL as well
+        char telling[sizeof m_front] = {};
+        std::memset(telling, 0xFF, told);
+        std::memcpy(m_telling, telling, sizeof m_telling);
+        std::memcpy(m_front, text.GetFront(), sizeof m_front);
+        std::transform(m_front, m_front + Words, m_front, m_folding);
     }
     bool operator()(const CString& other) const
     {
-        const int length = other.GetLength();
-        const char end = other.GetString()[std::min(length, m_length)];
-        if ((static_cast<int>(length < m_length) | end) != 0) // one branch: which of the two is hard to guess
-            return false;
-        return (m_caseSensitive ? other.Compare(m_text) : other.CompareNoCase(m_text)) == 0;
+        std::uint64_t front[Words];
+        std::memcpy(front, other.GetFront(), sizeof front);
+        std::uint64_t different = 0;
+        for (std::size_t i = 0; i < Words; ++i)
+            different |= (m_folding(front[i]) ^ m_front[i]) & m_telling[i];
+        return different == 0 && (m_caseSensitive ? other.Compare(m_text) : other.CompareNoCase(m_text)) == 0;
     }
 
 private:
+    static constexpr std::size_t WorthFolding = 64; // to learn the locale's cases costs about as many looks
+    static constexpr std::size_t Words = CString::FrontSize / sizeof(std::uint64_t);
+
     const CString& m_text;
-    int m_length; // up to the first NUL
     bool m_caseSensitive;
+    PackedText::CaseFolding m_folding;
+    std::uint64_t m_front[Words] = {};   // folded
+    std::uint64_t m_telling[Words] = {}; // all ones in the bytes up to and with the first NUL
 };
 
 } // namespace
 
 std::size_t TextArray::Find(const CString& s, bool caseSensitive, bool& found) const
 {
-    const auto at = std::find_if(m_strings.begin(), m_strings.end(), WantedText(s, caseSensitive));
+    const auto at =
+        std::find_if(m_strings.begin(), m_strings.end(), WantedText(s, caseSensitive, GetCount()));
     found = at != m_strings.end();
     return static_cast<std::size_t>(at - m_strings.begin());
 }
@@ -222,7 +241,7 @@ std::size_t TextArray::Find(const CString& s, bool caseSensitive, bool& found) c
 std::size_t TextArray::FindCount(const CString& s, bool caseSensitive) const
 {
     return static_cast<std::size_t>(
-        std::count_if(m_strings.begin(), m_strings.end(), WantedText(s, caseSensitive)));
+        std::count_if(m_strings.begin(), m_strings.end(), WantedText(s, caseSensitive, GetCount())));
 }
 
 bool TextArray::Have(const CString& s, bool caseSensitive) const
