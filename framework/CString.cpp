@@ -67,6 +67,7 @@ void CString::MakeLong(const char* text, int length)
     to[length] = '\0';
     SetLong(to, length);
 }
+
 // Plain arithmetic while the process has one thread, atomic from the second one on.
 void CString::AddReference() const noexcept
 {
@@ -209,12 +210,7 @@ void CString::SetAt(int index, char c)
 
 int CString::CompareTexts(const CString& other) const noexcept
 {
-    const char* const text = GetString();
-    const char* const otherText = other.GetString();
-    const int length = GetLength();
-    if (length == other.GetLength() && std::memcmp(text, otherText, Size(length)) == 0)
-        return 0;
-    return std::strcmp(text, otherText); // which ends at a NUL inside
+    return std::strcmp(GetString(), other.GetString()); // which ends at a NUL inside
 }
 
 int CString::Compare(const char* other) const noexcept

@@ -183,7 +183,9 @@ public:
     int Compare(const char* other) const noexcept;
     int Compare(const CString& other) const noexcept
     {
-        return !IsLong() && HasSameBytes(other) ? 0 : CompareTexts(other);
+        if (!IsLong())
+            return HasSameBytes(other) ? 0 : CompareTexts(other);
+        return HasSameLongText(other) ? 0 : CompareTexts(other);
     }
     int CompareNoCase(const char* other) const noexcept;
     int Collate(const char* other) const noexcept;
@@ -316,6 +318,12 @@ private:
     bool HasSameBytes(const CString& other) const noexcept
     {
         return std::memcmp(m_bytes, other.m_bytes, sizeof m_bytes) == 0;
+    }
+    bool HasSameLongText(const CString& other) const noexcept
+    {
+        const int length = LongLength();
+        return other.IsLong() && length == other.LongLength() &&
+               std::memcmp(LongText(), other.LongText(), static_cast<std::size_t>(length)) == 0;
     }
     void TakeBytes(const CString& other) noexcept { std::memcpy(m_bytes, other.m_bytes, sizeof m_bytes); }
     void ClearBytes() noexcept { std::memset(m_bytes, 0, sizeof m_bytes); }
