@@ -56,7 +56,7 @@ char* CString::Reallocate(char* old, int capacity)
     auto* const block = static_cast<Block*>(memory);
     if (old == nullptr)
         new (block) Block{1, 0};
-    block->capacity = static_cast<int>(size - sizeof(Block)) - 1;
+    block->capacity = std::min(static_cast<int>(size - sizeof(Block)) - 1, MaxLength);
     return static_cast<char*>(memory) + sizeof(Block);
 }
 
@@ -119,7 +119,7 @@ void CString::HandOut() noexcept
 void CString::SetLength(int length) noexcept
 {
     if (IsLong()) {
-        SetLongLength(length);
+        SetLongLength(LongText(), length);
         SetFront();
     } else {
         std::memset(m_bytes + length, 0, Size(TagAt - length));

@@ -52,6 +52,9 @@ inline CaseTable Uppercase()
 }
 #endif
 
+// Whether the lower case is known to change A to Z alone, without a look at the table: so in the locale "C".
+bool FoldsAsciiOnly() noexcept;
+
 inline bool IsSpace(char c)
 {
     return std::isspace(static_cast<unsigned char>(c)) != 0;

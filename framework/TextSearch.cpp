@@ -284,6 +284,10 @@ std::size_t CommonLength(const char* text, std::string_view pattern, const ByteF
 
 ByteFold RuntimeLowercase() noexcept
 {
+    static constexpr ByteFold Ascii(
+        [](unsigned int byte) { return byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte; });
+    if (RuntimeText::FoldsAsciiOnly())
+        return Ascii;
     const auto lower = RuntimeText::Lowercase();
     return ByteFold([&](unsigned int byte) { return lower(static_cast<char>(byte)); });
 }

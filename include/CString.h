@@ -154,15 +154,19 @@ public:
     // ---- joining ----------------------------------------------------------------------------------------
     CString& operator+=(const CString& other)
     {
-        const int length = GetLength();
-        if (!IsLong() || length > MaxLength - other.GetLength() || !HasRoomFor(length + other.GetLength()))
-            return Append(other.GetString(), other.GetLength());
-        if (!other.IsLong() && HasRoomFor(length + MaxInline))
-            std::memcpy(LongText() + length, other.m_bytes,
-                        MaxInline); // all of its room: no call for a few bytes
+        const int added = other.GetLength();
+        if (!IsLong())
+            return Append(other.GetString(), added);
+        char* const text = LongText();
+        const int length = LongLength();
+        const int room = RoomIn(text) - length; // below 0 when the block is not ours alone
+        if (added > room)
+            return Append(other.GetString(), added);
+        if (!other.IsLong() && room >= MaxInline)
+            std::memcpy(text + length, other.m_bytes, MaxInline); // all of it: no call for a few bytes
         else
-            std::memcpy(LongText() + length, other.GetString(), static_cast<std::size_t>(other.GetLength()));
-        SetLongLength(length + other.GetLength());
+            std::memcpy(text + length, other.GetString(), static_cast<std::size_t>(added));
+        SetLongLength(text, length + added);
         return *this;
     }
     CString& operator+=(const char* text) { return Append(text); }
@@ -360,15 +364,16 @@ private:
     {
         return reinterpret_cast<Block*>(const_cast<char*>(text) - sizeof(Block));
     }
-    bool HasRoomFor(int length) const noexcept // in the long text, and the block is ours alone
+    static int RoomIn(const char* text) noexcept // characters that fit in the block, -1 if others share it
     {
-        const Block* const block = BlockOf(LongText());
-        return block->references.load(std::memory_order_acquire) == 1 && block->capacity >= length;
+        const Block* const block = BlockOf(text);
+        return block->references.load(std::memory_order_acquire) == 1 ? block->capacity : -1;
     }
-    void SetLongLength(int length) noexcept
+    bool HasRoomFor(int length) const noexcept { return RoomIn(LongText()) >= length; }
+    void SetLongLength(char* text, int length) noexcept
     {
         std::memcpy(m_bytes + LengthAt, &length, sizeof length);
-        LongText()[length] = '\0';
+        text[length] = '\0';
     }
     int CompareTexts(const CString& other) const noexcept;
     void AddReference() const noexcept;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -10,6 +11,7 @@
 #include "framework/RuntimeText.h"
 #include "framework/TextSearch.h"
 #include "text/CharacterTables.h"
+#include "text/PackedText.h"
 
 namespace {
 
@@ -23,15 +25,26 @@ constexpr auto OtherCase = [] {
     return forms;
 }();
 
+bool FitsCharByChar(const char* text, std::string_view wanted)
+{
+    for (std::size_t i = 0; i < wanted.size(); ++i)
+        if (text[i] != wanted[i] && OtherCase[static_cast<unsigned char>(text[i])] != wanted[i])
+            return false;
+    return true;
+}
+
 // A character of a prefix or suffix fits one of the text that is equal or has it as its other-case form.
 bool FitsAt(const char* text, std::string_view wanted, bool caseSensitive)
 {
     if (caseSensitive)
         return std::memcmp(text, wanted.data(), wanted.size()) == 0;
-    for (std::size_t i = 0; i < wanted.size(); ++i)
-        if (text[i] != wanted[i] && OtherCase[static_cast<unsigned char>(text[i])] != wanted[i])
-            return false;
-    return true;
+    // A few characters are compared at once: where they begin to differ is hard to guess.
+    const std::uint64_t few =
+        wanted.size() > 8 ? ~std::uint64_t{0} : PackedText::LoadFew(text, wanted.size());
+    if ((few & PackedText::InEachByte(0x80)) != 0)
+        return FitsCharByChar(text, wanted);
+    return PackedText::FoldAscii(few) ==
+           PackedText::FoldAscii(PackedText::LoadFew(wanted.data(), wanted.size()));
 }
 
 bool BeginsWith(std::string_view text, std::string_view prefix, bool caseSensitive)
@@ -198,8 +211,8 @@ bool StringUtils::MatchSpec(const CString& text, const CString& spec, bool caseS
     const std::string_view rest = whole.substr(star + 1);
     if (star == 0)
         return FitsBehindStar(text, rest, caseSensitive);
-    return BeginsWith(name, whole.substr(0, star), caseSensitive) && // the two may overlap in the text
-           (rest.empty() || EndsWith(name, rest, caseSensitive));
+    return (rest.empty() || EndsWith(name, rest, caseSensitive)) && // the two may overlap in the text
+           BeginsWith(name, whole.substr(0, star), caseSensitive);
 }
 
 bool StringUtils::MatchSpecQuestionMark(const CString& text, const CString& spec, bool caseSensitive)

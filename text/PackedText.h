@@ -35,6 +35,37 @@ inline std::uint64_t Load(std::string_view text, std::size_t at)
     return word << (8 * missing);
 }
 
+// Up to eight bytes, in some order that is the same for the same count.
+inline std::uint64_t LoadFew(const char* text, std::size_t count)
+{
+    const auto load = [=]<class Half>(Half first) { // two pieces, which may overlap
+        Half last;
+        std::memcpy(&first, text, sizeof first);
+        std::memcpy(&last, text + count - sizeof last, sizeof last);
+        return std::uint64_t{first} | std::uint64_t{last} << 32;
+    };
+    if (count >= 4)
+        return load(std::uint32_t{});
+    if (count >= 2)
+        return load(std::uint16_t{});
+    return count == 0 ? 0 : static_cast<unsigned char>(*text);
+}
+
+constexpr std::uint64_t InEachByte(std::uint64_t byte)
+{
+    return byte * 0x0101010101010101;
+}
+
+// Sets bit 5 in the bytes from 'A' to 'Z': the sums carry into bit 7 of a byte where it is at least 'A', and
+// where it is above 'Z'.
+inline std::uint64_t FoldAscii(std::uint64_t word)
+{
+    const std::uint64_t low = word & InEachByte(0x7F);
+    const std::uint64_t isFromA = low + InEachByte(0x80 - 'A');
+    const std::uint64_t isAboveZ = low + InEachByte(0x7F - 'Z');
+    return word | ((isFromA & ~isAboveZ & ~word & InEachByte(0x80)) >> 2);
+}
+
 // Makes texts that are the same but for case the same: lower case by the runtime's current locale.
 class CaseFolding {
 public:
@@ -43,6 +74,8 @@ public:
     {
         const auto lowercase = RuntimeText::Lowercase();
         CaseFolding folding(Mode::Ascii);
+        if (RuntimeText::FoldsAsciiOnly())
+            return folding;
         for (std::size_t c = 0; c < 256; ++c) {
             folding.m_table[c] = static_cast<unsigned char>(lowercase(static_cast<char>(c)));
             if (folding.m_table[c] != (c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c))
@@ -60,17 +93,6 @@ private:
     enum class Mode { Exact, Ascii, Table };
     explicit CaseFolding(Mode mode) : m_mode(mode) {}
 
-    static constexpr std::uint64_t InEachByte(std::uint64_t byte) { return byte * 0x0101010101010101; }
-
-    // Sets bit 5 in the bytes from 'A' to 'Z': the sums carry into bit 7 of a byte where it is at least 'A',
-    // and where it is above 'Z'.
-    static std::uint64_t FoldAscii(std::uint64_t word)
-    {
-        const std::uint64_t low = word & InEachByte(0x7F);
-        const std::uint64_t isFromA = low + InEachByte(0x80 - 'A');
-        const std::uint64_t isAboveZ = low + InEachByte(0x7F - 'Z');
-        return word | ((isFromA & ~isAboveZ & ~word & InEachByte(0x80)) >> 2);
-    }
     std::uint64_t FoldByTable(std::uint64_t word) const
     {
         std::uint64_t folded = 0;
