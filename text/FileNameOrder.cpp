@@ -33,31 +33,29 @@ int PlaceOf(char c, bool caseSensitive)
     return c < 0 ? 0 : StringUtils::m_tableLowercase[static_cast<unsigned char>(c)];
 }
 
-std::string_view NumberAt(std::string_view base, std::size_t first, const CString& decimal)
+FileNameOrder::Number ReadNumber(std::string_view base, std::size_t first, const CString& decimal)
 {
     std::size_t last = first;
     while (last < base.size() && (IsDigit(base[last]) || (!decimal.IsEmpty() && base[last] == decimal[0])))
         ++last;
-    return base.substr(first, last - first);
+    const std::string_view digits = base.substr(first, last - first);
+    return {first, digits.size(), NumberTextConv::GetDoubleFromString(CString(digits), false)};
 }
 
-double ValueOf(std::string_view number)
+// `leftNumber` and `rightNumber` give the number that begins at an index of the left and the right name.
+template <class LeftNumber, class RightNumber>
+int CompareBaseNames(std::string_view a, std::string_view b, bool caseSensitive, LeftNumber leftNumber,
+                     RightNumber rightNumber)
 {
-    return NumberTextConv::GetDoubleFromString(CString(number), false);
-}
-
-int CompareBaseNames(std::string_view a, std::string_view b, bool caseSensitive)
-{
-    const CString decimal = TextArray::m_csDecimal;
     const std::size_t common = std::min(a.size(), b.size());
     for (std::size_t i = 0; i < common;) {
         if (IsDigit(a[i]) && IsDigit(b[i])) {
-            const auto left = NumberAt(a, i, decimal);
-            const auto right = NumberAt(b, i, decimal);
-            const double difference = ValueOf(left) - ValueOf(right);
+            const FileNameOrder::Number left = leftNumber(i);
+            const FileNameOrder::Number right = rightNumber(i);
+            const double difference = left.value - right.value;
             if (std::abs(difference) >= Tolerance) // two infinite values are equal
                 return difference < 0 ? -1 : 1;
-            i += std::min(left.size(), right.size());
+            i += std::min(left.length, right.length);
         } else {
             const int difference = PlaceOf(a[i], caseSensitive) - PlaceOf(b[i], caseSensitive);
             if (difference != 0)
@@ -66,6 +64,11 @@ int CompareBaseNames(std::string_view a, std::string_view b, bool caseSensitive)
         }
     }
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+}
+
+int CompareExtensions(const char* a, const char* b, bool caseSensitive)
+{
+    return caseSensitive ? std::strcmp(a, b) : RuntimeText::CompareNoCase(a, b);
 }
 
 // ---- the keys -------------------------------------------------------------------------------------------
@@ -176,10 +179,43 @@ int FileNameOrder::Compare(const CString& a, const CString& b, bool caseSensitiv
 {
     const Pieces left = Split(a);
     const Pieces right = Split(b);
-    if (const int bases = CompareBaseNames(left.base, right.base, caseSensitive); bases != 0)
-        return bases;
-    return caseSensitive ? std::strcmp(left.extension, right.extension)
-                         : RuntimeText::CompareNoCase(left.extension, right.extension);
+    const CString decimal = TextArray::m_csDecimal;
+    const int bases = CompareBaseNames(
+        left.base, right.base, caseSensitive,
+        [&](std::size_t i) { return ReadNumber(left.base, i, decimal); },
+        [&](std::size_t i) { return ReadNumber(right.base, i, decimal); });
+    return bases != 0 ? bases : CompareExtensions(left.extension, right.extension, caseSensitive);
+}
+
+FileNameOrder::ReadName::ReadName(const CString& path, const CString& decimal)
+    : m_pieces(Split(path)), m_decimal(decimal)
+{
+    const std::string_view base = m_pieces.base;
+    for (std::size_t i = 0; i < base.size();) {
+        if (!IsDigit(base[i])) {
+            ++i;
+            continue;
+        }
+        m_numbers.push_back(ReadNumber(base, i, decimal));
+        i += m_numbers.back().length;
+    }
+}
+
+FileNameOrder::Number FileNameOrder::ReadName::NumberAt(std::size_t at) const
+{
+    const auto found =
+        std::lower_bound(m_numbers.begin(), m_numbers.end(), at,
+                         [](const Number& number, std::size_t place) { return number.at < place; });
+    const bool isRead = found != m_numbers.end() && found->at == at;
+    return isRead ? *found : ReadNumber(m_pieces.base, at, m_decimal); // inside a number: by odd tables only
+}
+
+int FileNameOrder::ReadName::Compare(const ReadName& a, const ReadName& b, bool caseSensitive)
+{
+    const int bases = CompareBaseNames(
+        a.m_pieces.base, b.m_pieces.base, caseSensitive, [&](std::size_t i) { return a.NumberAt(i); },
+        [&](std::size_t i) { return b.NumberAt(i); });
+    return bases != 0 ? bases : CompareExtensions(a.m_pieces.extension, b.m_pieces.extension, caseSensitive);
 }
 
 FileNameKeys::FileNameKeys(bool caseSensitive)
@@ -192,7 +228,7 @@ FileNameKeys::FileNameKeys(bool caseSensitive)
         const char byte = static_cast<char>(c);
         m_extensions[c] = static_cast<unsigned char>(caseSensitive ? byte : lowercase(byte));
     }
-    ValueOf("0"); // reads the separators that follow, unless they have been read
+    ReadNumber("0", 0, CString()); // reads the separators that follow, unless they have been read
     const char point = LocaleUtils::m_csDecimalSeparator[0];
     const char thousands = LocaleUtils::m_csThousandsSeparator[0];
     m_hasDecimal = !TextArray::m_csDecimal.IsEmpty();
@@ -275,7 +311,7 @@ FileNameKeys::Place FileNameKeys::WriteWide(Place place, const char* end, const 
     const std::ptrdiff_t length = place.at - first;
     if (length > MaxLength || (place.at != end && m_hasDecimal && *place.at == m_decimal))
         return {nullptr, place.out};
-    const double value = ValueOf({first, static_cast<std::size_t>(length)});
+    const double value = ReadNumber({first, static_cast<std::size_t>(length)}, 0, CString()).value;
     if (value < MaxScaledInteger) {
         place.out = WriteScaled(place.out, m_numbers, static_cast<std::uint64_t>(value) * 100);
     } else {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace FileNameOrder {
 
@@ -32,6 +33,25 @@ Pieces Split(const CString& path);
 // NumberTextConv::GetDoubleFromString. The tolerance makes this no strict ordering: 1.0010, 1.0015 and 1.0020
 // tie with their neighbours only.
 int Compare(const CString& a, const CString& b, bool caseSensitive);
+
+struct Number {
+    std::size_t at, length;
+    double value;
+};
+
+// A name whose numbers have been read, for many comparisons; the path and the separator must outlive it.
+class ReadName {
+public:
+    ReadName(const CString& path, const CString& decimal);
+    static int Compare(const ReadName& a, const ReadName& b, bool caseSensitive); // the rule
+
+private:
+    Number NumberAt(std::size_t at) const;
+
+    Pieces m_pieces;
+    const CString& m_decimal;
+    std::vector<Number> m_numbers; // by their places
+};
 
 } // namespace FileNameOrder
 

@@ -228,10 +228,16 @@ Order OrderOfTexts(const std::vector<CString>& texts, bool ascending, bool caseS
 Order OrderByRule(const std::vector<CString>& names, const std::vector<std::string_view>& keys,
                   bool ascending, bool caseSensitive)
 {
+    const CString decimal = TextArray::m_csDecimal;
+    std::vector<FileNameOrder::ReadName> readNames;
+    readNames.reserve(names.size());
+    for (const CString& name : names)
+        readNames.emplace_back(name, decimal);
     const auto compare = [&](std::size_t a, std::size_t b) {
         const std::size_t common = std::min(keys[a].size(), keys[b].size());
         const int bytes = std::memcmp(keys[a].data(), keys[b].data(), common);
-        return bytes != 0 ? bytes : FileNameOrder::Compare(names[a], names[b], caseSensitive);
+        return bytes != 0 ? bytes
+                          : FileNameOrder::ReadName::Compare(readNames[a], readNames[b], caseSensitive);
     };
     Order order(names.size());
     for (std::size_t i = 0; i < order.size(); ++i)
