@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <climits>
 #include <cstdlib>
 #include <string>
@@ -10,16 +9,14 @@
 
 #include "support/CalendarModel.h"
 #include "support/RandomSource.h"
+#include "support/Table.h"
 
 namespace {
 
-using Date = std::array<int, 3>;
-
-DateEntry FixedDay(int day, int month, int beforeAfter = 0, bool offWeekend = false)
+DateEntry FixedDay(int day, int month, int beforeAfter = 0)
 {
     DateEntry entry;
     entry.SetBeforeAfterDay("fixed", day, month, beforeAfter);
-    entry.SetWeekDay(offWeekend);
     return entry;
 }
 
@@ -33,44 +30,22 @@ DateEntry Weekday(int occurrence, int dayOfWeek, int month, int beforeAfter = 0)
 
 TEST(DateEntryDates, AreThoseOfTheAlmanac)
 {
-    const struct {
-        const char* what;
-        DateEntry entry;
-        int year;
-        Date date; // zeros for none
-    } rows[] = {
-        {"fourth Thursday of November", Weekday(4, 5, 11), 2024, {2024, 11, 28}},
-        {"fifth Thursday of November", Weekday(5, 5, 11), 2024, {}},
-        {"last Monday of May", Weekday(7, 2, 5), 2024, {2024, 5, 27}},
-        {"Monday on or before 24 May", FixedDay(24, 5, -2), 2024, {2024, 5, 20}},
-        {"Monday on 24 May", FixedDay(24, 5, -2), 2027, {2027, 5, 24}},
-        {"Tuesday after the first Monday", Weekday(1, 2, 11, 3), 2024, {2024, 11, 5}},
-        {"4 July, a Saturday", FixedDay(4, 7, 0, true), 2026, {2026, 7, 3}},
-        {"4 July, a Sunday", FixedDay(4, 7, 0, true), 2027, {2027, 7, 5}},
-        {"moved to a Sunday, then off it", FixedDay(31, 12, 1, true), 2024, {2025, 1, 6}},
-        {"30 February", FixedDay(30, 2), 2024, {}},
-        {"no month", FixedDay(1, 0), 2024, {}},
-        {"year 0", FixedDay(1, 1), 0, {}},
-        {"year 10000", Weekday(7, 1, 1), 10000, {}},
-        {"last of no weekday", Weekday(7, 0, 5), 2024, {}},
-        {"last of weekday 8", Weekday(7, 8, 5), 2024, {}},
-        {"first of no weekday", Weekday(1, 0, 5), 2024, {}},
-        {"unknown occurrence", Weekday(8, 2, 5), 2024, {}},
-        {"negative occurrence", Weekday(INT_MIN, 2, 5), 2024, {}},
-        {"before out of range", FixedDay(24, 5, -8), 2024, {2024, 5, 24}},
-        {"after out of range", FixedDay(24, 5, 8), 2024, {2024, 5, 24}},
-        {"before/after INT_MIN", FixedDay(24, 5, INT_MIN), 2024, {2024, 5, 24}},
-        {"no step before the first day", FixedDay(1, 1, -7), 1, {1, 1, 1}},
-        {"no step after the last day", FixedDay(31, 12, 7), 9999, {9999, 12, 31}},
-    };
-    for (const auto& row : rows) {
+    for (const auto& cells : Table::Section("rules")) {
+        const auto number = [&](std::size_t cell) { return std::stoi(cells[cell]); };
+        DateEntry entry = Weekday(number(0), number(2), number(3), number(4));
+        entry.SetDay(number(1));
+        entry.SetWeekDay(number(5) != 0);
         DateTime date(1900, 1, 1, 10, 11, 12);
-        row.entry.GetDateFor(row.year, date);
-        EXPECT_EQ((Date{date.GetYear(), date.GetMonth(), date.GetDay()}), row.date) << row.what;
+        entry.GetDateFor(number(6), date);
+        const CString expected = cells[7];
+        CString text;
+        if (date.IsValidDate())
+            text.Format("%d-%d-%d", date.GetYear(), date.GetMonth(), date.GetDay());
+        EXPECT_EQ(text, expected) << testing::PrintToString(cells);
         EXPECT_EQ(date.GetHour() * 10000 + date.GetMinute() * 100 + date.GetSecond(), 101112);
     }
     DateTime missing;
-    FixedDay(1, 1, -2, true).ApplyBeforeAfterDay(missing);
+    FixedDay(1, 1, -2).ApplyBeforeAfterDay(missing);
     EXPECT_EQ(missing, DateTime());
 }
 
@@ -162,37 +137,17 @@ TEST(DateEntryMatch, FiltersYears)
 
 TEST(DateEntryValidity, FollowsTheRuleWithItsDepartures)
 {
-    const struct {
-        const char* description;
-        int occurrence, day, dayOfWeek, month, beforeAfter, yearType, year;
-        bool valid;
-    } rows[] = {
-        {"d", 0, 25, 0, 12, 0, 0, 0, true},      {"", 0, 25, 0, 12, 0, 0, 0, false},
-        {" \t", 0, 25, 0, 12, 0, 0, 0, false},   {"d", 0, 25, 0, 0, 0, 0, 0, false},
-        {"d", 0, 25, 0, 13, 0, 0, 0, false},     {"d", 0, 32, 0, 12, 0, 0, 0, false},
-        {"d", 0, -1, 0, 12, 0, 0, 0, false},     {"d", 0, 30, 0, 2, 0, 0, 0, true}, // no such day, but a rule
-        {"d", 0, 25, 0, 12, 0, 3, 99, false},    {"d", 0, 25, 0, 12, 0, 3, 100, true},
-        {"d", 0, 25, 0, 12, 0, 3, 10000, false}, {"d", 4, 0, 5, 11, 0, 0, 0, true},
-        {"d", 0, 0, 5, 11, 0, 0, 0, false},      {"d", 4, 0, 8, 11, 0, 0, 0, false},
-        {"d", 4, 1, 0, 11, 0, 0, 0, false},      {"d", 0, 1, 5, 11, 0, 0, 0, false}, // a day and a weekday
-        {"d", 4, 1, 5, 11, -2, 0, 0, true}, // both are taken with a before/after
-        {"d", 0, 24, 0, 5, -2, 0, 0, true},      {"d", 0, 24, 0, 5, -2, 1, 0, false}, // odd years refuse it
-        {"d", 0, 24, 0, 5, -2, 2, 0, false},                                          // even years too
-        {"d", 0, 24, 0, 5, 0, 1, 0, true},       {"d", 0, 24, 0, 5, 7, 4, 2000, true},
-        {"d", 0, 24, 0, 5, 8, 0, 0, false},      {"d", 0, 24, 0, 5, INT_MIN, 0, 0, false},
-        {"d", 0, 0, 0, 5, -2, 0, 0, false},
-    };
-    for (const auto& row : rows) {
-        DateEntry entry;
-        entry.SetDesc(row.description);
-        entry.SetOccurrence(static_cast<DateEntry::OCCURRENCE>(row.occurrence));
-        entry.SetDay(row.day);
-        entry.SetDayOfWeek(row.dayOfWeek);
-        entry.SetMonth(row.month);
-        entry.SetBeforeAfterDayOfWeek(row.beforeAfter);
-        entry.SetYearType(static_cast<DateEntry::YEARTYPE>(row.yearType));
-        entry.SetYear(row.year);
-        EXPECT_EQ(entry.IsValid(), row.valid) << &row - rows;
+    for (const auto& row : Table::Numbers("validity")) {
+        const auto number = [&](std::size_t cell) { return static_cast<int>(row[cell]); };
+        DateEntry entry = Weekday(number(0), number(2), number(3), number(4));
+        entry.SetDay(number(1));
+        entry.SetYearType(static_cast<DateEntry::YEARTYPE>(number(5)));
+        entry.SetYear(number(6));
+        EXPECT_EQ(entry.IsValid(), row[7] != 0) << testing::PrintToString(row);
+        for (const char* blank : {"", " \t"}) {
+            entry.SetDesc(blank);
+            EXPECT_FALSE(entry.IsValid());
+        }
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "support/CalendarModel.h"
 #include "support/RandomSource.h"
+#include "support/Table.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ DateTime On(int year, int month, int day)
 // The numbers from low to high, and those that overflow first.
 std::vector<int> NumbersAndExtremes(int low, int high)
 {
-    std::vector<int> numbers = {INT_MIN, INT_MIN + 1, -1900, INT_MAX - 1900, INT_MAX - 1, INT_MAX};
+    std::vector<int> numbers = {INT_MIN, -1900, INT_MAX - 1900, INT_MAX};
     for (int number = low; number <= high; ++number)
         numbers.push_back(number);
     return numbers;
@@ -51,9 +52,9 @@ std::vector<int> NumbersAndExtremes(int low, int high)
 // All dates that exist are met in their order: a second value walks along, from day to day.
 TEST(Calendar, FollowsTheRulesForEveryDateAndNoOther)
 {
-    const auto years = NumbersAndExtremes(-1, 10001), months = NumbersAndExtremes(-1, 14),
-               days = NumbersAndExtremes(-1, 33);
-    const DateTime calendar;
+    const auto years = NumbersAndExtremes(-1, 10001), months = NumbersAndExtremes(0, 13),
+               days = NumbersAndExtremes(0, 32);
+    const DateTime calendar, before = Stored(4711);
     DateTime walk = Stored(1);
     for (const int year : years) {
         const bool isLeap = CalendarModel::IsLeap(year);
@@ -70,9 +71,9 @@ TEST(Calendar, FollowsTheRulesForEveryDateAndNoOther)
                 const int number = CalendarModel::DayNumber(year, month, day);
                 ASSERT_EQ(calendar.DaysFromDay1(year, month, day), number) << day;
                 ASSERT_EQ(DateTime::DayOfYear(year, month, day), CalendarModel::DayOfYear(year, month, day));
-                DateTime date = Stored(4711);
+                DateTime date = before;
                 date.SetDate(year, month, day);
-                ASSERT_EQ(date, Stored(number != 0 ? number : 4711)) << day;
+                ASSERT_EQ(date, number != 0 ? Stored(number) : before) << day;
                 const int weekday = number != 0 ? (weekdayBefore + day) % 7 + 1 : 0;
                 ASSERT_EQ(DateTime::GetDayOfWeek(year, month, day), weekday) << day;
                 if (number == 0)
@@ -94,31 +95,14 @@ TEST(Calendar, FollowsTheRulesForEveryDateAndNoOther)
 
 TEST(Calendar, KeepsTheFiguresThatStoredDatesDependOn)
 {
-    const struct {
-        int year, month, day, number;
-        Parts readBack;
-        int weekday; // of what is read back
-    } rows[] = {{1, 1, 1, 1, {1, 1, 1}, 1},
-                {1582, 10, 4, 577737, {1582, 10, 4}, 3},
-                {1582, 10, 5, 577728, {1582, 9, 25}, 1},
-                {1582, 10, 15, 577728, {1582, 9, 25}, 1},
-                {1582, 10, 21, 577734, {1582, 10, 1}, 7},
-                {1582, 10, 22, 0, {0, 0, 0}, 6},
-                {1582, 11, 14, 577768, {1582, 11, 14}, 2},
-                {1582, 11, 15, 577759, {1582, 11, 5}, 7},
-                {1583, 1, 1, 577816, {1583, 1, 1}, 1},
-                {1970, 1, 1, 719165, {1970, 1, 1}, 5},
-                {2024, 1, 1, 738888, {2024, 1, 1}, 2},
-                {2599, 12, 31, 949267, {2599, 12, 31}, 3},
-                {2600, 1, 1, 949268, {2600, 1, 1}, 1}, // really a Wednesday
-                {9999, 12, 31, 3652061, {9999, 12, 31}, 5}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.number);
+    for (const auto& row : Table::Numbers("figures")) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        const auto number = [&](std::size_t cell) { return static_cast<int>(row[cell]); };
         DateTime date = Stored(0);
-        EXPECT_EQ(date.DaysFromDay1(row.year, row.month, row.day), row.number);
-        date.SetDate(row.year, row.month, row.day);
-        EXPECT_EQ(PartsOf(date), row.readBack);
-        EXPECT_EQ(date.GetDayOfWeek(), row.weekday);
+        EXPECT_EQ(date.DaysFromDay1(number(0), number(1), number(2)), row[3]);
+        date.SetDate(number(0), number(1), number(2));
+        EXPECT_EQ(PartsOf(date), (Parts{number(4), number(5), number(6)}));
+        EXPECT_EQ(date.GetDayOfWeek(), row[7]);
     }
 }
 
@@ -126,25 +110,22 @@ TEST(Calendar, KeepsTheFiguresThatStoredDatesDependOn)
 
 TEST(DateTimeValue, TakesEachHalfByItselfAndInTheConstructorBoth)
 {
-    const struct {
-        Parts parts;
-        bool isDate, isTime;
-    } rows[] = {{{2024, 2, 29, 23, 59, 59}, true, true},    {{2023, 2, 29, 0, 0, 0}, false, true},
-                {{2024, 1, 1, 24, 0, 0}, true, false},      {{2024, 1, 1, 0, 60, 0}, true, false},
-                {{2024, 1, 1, 0, 0, 60}, true, false},      {{2024, 1, 1, -1, 0, 0}, true, false},
-                {{2024, 1, 1, 0, INT_MIN, 0}, true, false}, {{2024, 1, 1, 0, 0, -1}, true, false},
-                {{1582, 10, 25, 1, 1, 1}, false, true},     {{INT_MIN, 0, 0, INT_MAX, 0, 0}, false, false}};
     const Parts before = {1900, 5, 6, 7, 8, 9};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        const auto& [year, month, day, hour, minute, second] = row.parts;
+    for (const auto& row : Table::Numbers("halves")) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        Parts parts, expected = before;
+        std::transform(row.begin(), row.begin() + 6, parts.begin(),
+                       [](long long n) { return static_cast<int>(n); });
+        const auto& [year, month, day, hour, minute, second] = parts;
         DateTime value(1900, 5, 6, 7, 8, 9);
         value.Set(year, month, day, hour, minute, second);
-        Parts expected = row.isDate ? row.parts : before;
-        std::copy_n((row.isTime ? row.parts : before).begin() + 3, 3, expected.begin() + 3);
+        if (row[6] != 0)
+            std::copy_n(parts.begin(), 3, expected.begin());
+        if (row[7] != 0)
+            std::copy_n(parts.begin() + 3, 3, expected.begin() + 3);
         EXPECT_EQ(PartsOf(value), expected);
         EXPECT_EQ(DateTime(year, month, day, hour, minute, second),
-                  row.isDate && row.isTime ? value : DateTime());
+                  row[6] * row[7] != 0 ? value : DateTime());
     }
 }
 
@@ -298,34 +279,16 @@ TEST(DateTimeSpans, ConvertBothWays)
             DateTime::ConvertDeltaToSeconds(a, b, seconds = -1);
             EXPECT_EQ(seconds, 0);
         }
-    const struct {
-        long days;
-        int hours, minutes, seconds;
-        int64 total;
-    } sums[] = {{1, 1, 1, 1, 90061},
-                {-1, 0, 0, 1, -86399},
-                {100000, 0, 0, 0, 8640000000},
-                {0, 596524, 0, 0, -2147480896},               // 2147486400 in 32 bits
-                {0, 0, 35791395, 0, -2147483596},             // 2147483700 in 32 bits
-                {0, 596523, 35791394, INT_MAX, 6442450087},   // large, but nothing wraps
-                {0, INT_MIN, INT_MIN, INT_MIN, -2147483648}}; // the products are 0
-    for (const auto& row : sums) {
-        DateTime::ConvertToSeconds(row.days, row.hours, row.minutes, row.seconds, seconds);
-        EXPECT_EQ(seconds, row.total);
+    for (const auto& row : Table::Numbers("sum of seconds")) {
+        const auto number = [&](std::size_t cell) { return static_cast<int>(row[cell]); };
+        DateTime::ConvertToSeconds(number(0), number(1), number(2), number(3), seconds);
+        EXPECT_EQ(seconds, row[4]);
     }
-    const struct {
-        int64 total;
-        std::array<long, 4> parts;
-    } spans[] = {{-90, {0, 0, 1, 30}},
-                 {90061, {1, 1, 1, 1}},
-                 {259200000000, {3000000, 0, 0, 0}},
-                 {LLONG_MAX, {106751991167300, 15, 30, 7}},
-                 {LLONG_MIN, {106751991167300, 15, 30, 8}}};
-    for (const auto& row : spans) {
+    for (const auto& row : Table::Numbers("span")) {
         long days = -1;
         int hour = -1, minute = -1, second = -1;
-        DateTime::ConvertFromSeconds(row.total, days, hour, minute, second);
-        EXPECT_EQ((std::array{days, long{hour}, long{minute}, long{second}}), row.parts) << row.total;
+        DateTime::ConvertFromSeconds(row[0], days, hour, minute, second);
+        EXPECT_EQ((std::vector<long long>{row[0], days, hour, minute, second}), row);
     }
 }
 

@@ -10,42 +10,30 @@
 
 namespace {
 
-std::vector<std::string> Names(const CString& pattern)
-{
-    std::vector<std::string> names;
-    CFileFind finder;
-    for (bool more = finder.FindFile(pattern); more;) {
-        more = finder.FindNextFile();
-        names.emplace_back(finder.GetFileName().View());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 TEST(FileFind, FindsByPattern)
 {
     const TemporaryFolder folder;
-    std::vector<std::string> all = {".dot",  "Readme.TXT",     "notes.txt",          "notes.txtx",
-                                    "noext", "line\nend \xE9", std::string(255, 'x')};
-    for (const auto& name : all)
+    const std::string endless(255, 'x');
+    for (const std::string& name :
+         {std::string(".dot"), std::string("notes.txt"), std::string("line\nend \xE9"), endless})
         folder.Write(name, name);
     folder.MakeFolder("Sub");
-    std::filesystem::create_symlink("nowhere", folder.Path("broken"));
-    all.insert(all.end(), {".", "..", "Sub", "broken"});
-    std::sort(all.begin(), all.end());
-    const struct {
-        const char* mask;
+    const std::pair<const char*, std::vector<std::string>> rows[] = {
+        {"*", {".", "..", ".dot", "Sub", "line\nend \xE9", "notes.txt", endless}},
+        {"n*", {"notes.txt"}},
+        {"Sub\\*", {".", ".."}},
+        {"none/*", {}},
+        {"notes.txt/*", {}}};
+    for (const auto& [mask, expected] : rows) {
         std::vector<std::string> names;
-    } rows[] = {{"*", all},
-                {"*.*", all},
-                {"n*", {"noext", "notes.txt", "notes.txtx"}},
-                {"Sub", {"Sub"}},
-                {"Sub\\*", {".", ".."}},
-                {"none/*", {}},
-                {"notes.txt/*", {}}};
-    for (const auto& row : rows)
-        EXPECT_EQ(Names(CString(folder.Path()) + row.mask), row.names) << row.mask;
-    EXPECT_TRUE(Names("").empty());
+        CFileFind finder;
+        for (bool more = finder.FindFile(CString(folder.Path()) + mask); more;) {
+            more = finder.FindNextFile();
+            names.emplace_back(finder.GetFileName().View());
+        }
+        std::sort(names.begin(), names.end());
+        EXPECT_EQ(names, expected) << mask;
+    }
 }
 
 TEST(FileFind, TellsWhatItFound)

@@ -20,6 +20,11 @@ std::string Formatted(const std::string& digits, const NUMBERFMTA& format)
     return text;
 }
 
+UINT Number(const std::string& cell)
+{
+    return static_cast<UINT>(std::stoul(cell));
+}
+
 struct Recorded {
     std::string digits, decimal, thousands, result;
     UINT grouping, order;
@@ -27,13 +32,12 @@ struct Recorded {
 
 std::vector<Recorded> TrustedRows()
 {
-    const auto number = [](const std::string& cell) { return static_cast<UINT>(std::stoul(cell)); };
     using Table::Unescaped;
     std::vector<Recorded> rows;
     for (const auto& cells : Table::Read("numberformat-answers.tsv"))
         if (cells[6] == "yes")
             rows.push_back({Unescaped(cells[0]), Unescaped(cells[3]), Unescaped(cells[4]),
-                            Unescaped(cells[5]), number(cells[1]), number(cells[2])});
+                            Unescaped(cells[5]), Number(cells[1]), Number(cells[2])});
     return rows;
 }
 
@@ -50,29 +54,10 @@ TEST(NumberFormat, IsTheRecordedOne)
 
 TEST(NumberFormat, OfEmptyGroupsFractionsAndZeros)
 {
-    const struct {
-        const char* digits;
-        UINT places, leadingZero, grouping;
-        const char* result;
-    } rows[] = {{"123456789", 1, 0, 203, "1,234,567,,89.0"},
-                {"123456789", 1, 0, 2030, "1234,567,,89.0"},
-                {"123456789", 1, 0, 2003, "1,234,567,,,89.0"},
-                {"123456789", 1, 0, 1200, "123456,,78,9.0"},
-                {"123456789", 1, 0, 230, "1234,567,89.0"},
-                {"0", 0, 0, 3, "0"},
-                {"", 0, 0, 3, "0"},
-                {"000", 0, 1, 3, "0"},
-                {"0.5", 2, 1, 3, "0.50"},
-                {"0.5", 2, 0, 3, ".50"},
-                {"999.5", 0, 0, 3, "1,000"},
-                {"999.994", 2, 0, 3, "999.99"},
-                {"999.995", 2, 0, 3, "1,000.00"},
-                {"1234.5678", 9, 0, 3, "1,234.567800000"},
-                {"12", 10, 0, 3, "ERROR 87"},
-                {"12", 0, 2, 3, "ERROR 87"}};
-    for (const auto& row : rows)
-        EXPECT_EQ(Formatted(row.digits, {row.places, row.leadingZero, row.grouping, ".", ",", 1}), row.result)
-            << row.digits << " by " << row.grouping;
+    for (const auto& cells : Table::Section("format")) {
+        const NUMBERFMTA format = {Number(cells[1]), Number(cells[2]), Number(cells[3]), ".", ",", 1};
+        EXPECT_EQ(Formatted(cells[0], format), cells[4]) << testing::PrintToString(cells);
+    }
     // Nothing depends on the length of the number.
     const std::string text = Formatted(std::string(1'000'000, '7'), {0, 0, 1, ".", ",", 1});
     EXPECT_EQ(text.size(), 1'999'999u);

@@ -2,80 +2,54 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <cstdlib>
+#include <sstream>
 
 #include "Statistics.h"
 #include "support/RandomSource.h"
+#include "support/Table.h"
 
 namespace {
 
 using Sample = std::vector<double>;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double huge = std::numeric_limits<double>::max();
-constexpr int lowest = std::numeric_limits<int>::min();
-
-// Equal, or both a NaN.
-void ExpectSame(double got, double expected)
+Sample Values(const std::string& cell)
 {
-    if (std::isnan(expected))
-        EXPECT_TRUE(std::isnan(got)) << got;
-    else
-        EXPECT_DOUBLE_EQ(got, expected);
+    Sample values;
+    std::istringstream stream(cell);
+    for (std::string value; stream >> value;)
+        values.push_back(std::strtod(value.c_str(), nullptr));
+    return values;
 }
 
 TEST(Statistics, AreThoseOfTheTable)
 {
-    const struct {
-        Sample sample;
-        double sum, mean, median, deviation, minimum, maximum;
-    } rows[] = {
-        {{}, 0, 0, 0, 0, 0, 0},
-        {{7}, 7, 7, 7, 0, 7, 7},
-        {{4, 1, 3, 2}, 10, 2.5, 3, 1.2909944487358056, 1, 4}, // the upper one in the middle
-        {{2, 4, 4, 4, 5, 5, 7, 9}, 40, 5, 5, 2.1380899352993952, 2, 9},
-        {{3, 3, 3}, 9, 3, 3, 0, 3, 3},
-        {{1e16, 1, 1, -1e16}, 0, 0, 1, 8164965809277260, -1e16, 1e16}, // added in this order
-        {{1, 1, 1e16, -1e16}, 2, 0.5, 1, 8164965809277260, -1e16, 1e16},
-        {{huge, huge}, infinity, infinity, huge, infinity, huge, huge},
-        {{nan, 1, nan, 3, 2}, nan, nan, 3, 0, 1, 3}, // NaNs come last
-        {{-nan, -infinity, 5}, nan, nan, 5, 0, -infinity, 5},
-        {{infinity, -infinity, nan, 0}, nan, nan, infinity, 0, -infinity, infinity},
-        {{nan, 1}, nan, nan, nan, 0, 1, 1},
-        {{nan, nan}, nan, nan, nan, 0, nan, nan},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::PrintToString(row.sample));
+    for (const auto& cells : Table::Section("sample")) {
+        const Sample sample = Values(cells[0]);
         double minimum = -1, maximum = -1;
-        Statistics::GetSampleRange(row.sample, minimum, maximum);
-        ExpectSame(Statistics::GetSumTotal(row.sample), row.sum);
-        ExpectSame(Statistics::GetSampleMean(row.sample), row.mean);
-        ExpectSame(Statistics::GetSampleMedian(row.sample), row.median);
-        ExpectSame(Statistics::GetSampleStandardDeviation(row.sample), row.deviation);
-        ExpectSame(minimum, row.minimum);
-        ExpectSame(maximum, row.maximum);
+        Statistics::GetSampleRange(sample, minimum, maximum);
+        const double results[] = {Statistics::GetSumTotal(sample),
+                                  Statistics::GetSampleMean(sample),
+                                  Statistics::GetSampleMedian(sample),
+                                  Statistics::GetSampleStandardDeviation(sample),
+                                  minimum,
+                                  maximum};
+        for (std::size_t i = 0; i < std::size(results); ++i) {
+            SCOPED_TRACE(testing::PrintToString(cells) + " " + std::to_string(i));
+            const double expected = std::strtod(cells[i + 1].c_str(), nullptr);
+            const bool areNone = std::isnan(results[i]) && std::isnan(expected);
+            EXPECT_DOUBLE_EQ(areNone ? 0 : results[i], areNone ? 0 : expected);
+        }
     }
 }
 
 TEST(SampleMode, CutsTowardZeroAndTheFirstMetWinsATie)
 {
-    const struct {
-        Sample sample;
-        int mode;
-        std::size_t count;
-    } rows[] = {{{}, 0, 0},
-                {{1.9, 1.2, 2.0, 2.5}, 1, 2},
-                {{2.0, 1.9, 1.2, 2.5}, 2, 2},
-                {{-0.9, 0.9, -1.5}, 0, 2},
-                {{2147483647.9, 2147483647.1, 1}, 2147483647, 2},
-                {{-2147483648.9, -2147483648.0, 1}, lowest, 2},
-                {{1, nan, -nan, infinity, -infinity, 2147483648.0, -2147483649.0, huge}, lowest, 7}};
     std::size_t count = 77;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::PrintToString(row.sample));
-        EXPECT_EQ(Statistics::GetSampleMode(row.sample, count), row.mode);
-        EXPECT_EQ(count, row.count);
+    for (const auto& cells : Table::Section("mode")) {
+        SCOPED_TRACE(cells[0]);
+        EXPECT_EQ(Statistics::GetSampleMode(Values(cells[0]), count), std::stoi(cells[1]));
+        EXPECT_EQ(count, std::stoull(cells[2]));
     }
     RandomSource random; // against counting each value
     for (int round = 0; round < 2000; ++round) {
@@ -94,35 +68,13 @@ TEST(SampleMode, CutsTowardZeroAndTheFirstMetWinsATie)
 
 TEST(TrimSample, TakesAsManyFromBothEnds)
 {
-    constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
-    const struct {
-        Sample sample;
-        std::size_t percent;
-        Sample trimmed;
-    } rows[] = {
-        {{}, 20, {}},
-        {{3, 1, 2}, 0, {3, 1, 2}},
-        {{3, 1, 2}, 100, {}},
-        {{-3, -1, -2}, 100, {}},
-        {{10, 2, 8, 4, 6, 5, 7, 3, 9, 1}, 20, {4, 5, 6, 7}},
-        {{1, 2, 9, 10}, 20, {}}, // just half of them
-        {{1, 2, 9, 10, 3}, 20, {3}},
-        {{5}, 1, {}},
-        {{-1, -3, -2}, 20, {-3, -2, -1}},
-        {{0, -1, -2}, 20, {-1}},
-        {{-9, 2, -3, -8, -4}, 200, {-8, -4, -3}},
-        {{-1, -3, -2}, 150, {-3, -2, -1}},
-        {{3, infinity, 1}, 20, {3}},
-        {{3, infinity, 1}, 101, {}},
-        {{3, 1, 2}, most, {}},
-    };
-    for (const auto& row : rows) {
-        Sample sample = row.sample;
-        Statistics::TrimSample(sample, row.percent);
-        EXPECT_EQ(sample, row.trimmed) << testing::PrintToString(row.sample) << ", " << row.percent;
+    for (const auto& cells : Table::Section("trim")) {
+        Sample sample = Values(cells[0]);
+        Statistics::TrimSample(sample, std::stoull(cells[1]));
+        EXPECT_EQ(sample, Values(cells[2])) << testing::PrintToString(cells);
     }
     // With a NaN, only sorted.
-    Sample sample(100, nan);
+    Sample sample(100, std::nan(""));
     for (std::size_t i = 0; i < sample.size(); i += 3)
         sample[i] = static_cast<double>(sample.size() - i);
     Statistics::TrimSample(sample, 20);

@@ -99,49 +99,35 @@ TEST(Primes, OfTheLoopAndOfTheSieveAreTheSame)
 
 TEST(Primes, InARangeAreAppendedUpToTheEndOfTheType)
 {
-    EXPECT_EQ(PrimesInRange(0, 10000000).size(), 664579u); // the published count; many windows of the sieve
-    const uint64 known[] = {42, 2, 3, 4294967279, 4294967291, 4294967311, 999999999989};
     std::vector<uint64> primes = {42};
-    const uint64 ranges[][2] = {{3, 2},
-                                {last64, 0},
-                                {0, 1},
-                                {2, 3},
-                                {24, 28},
-                                {4294967270, 4294967320},
-                                {999999999989, 999999999989},
-                                {last64 - 4, last64},
-                                {4295098368, 4295098370}}; // 65537 squared
-    for (const auto& [lo, hi] : ranges)
-        Prime::GetPrimesInRange(lo, hi, primes);
-    EXPECT_EQ(primes, std::vector<uint64>(std::begin(known), std::end(known)));
+    Prime::GetPrimesInRange(3, 2, primes);
+    Prime::GetPrimesInRange(last64, 0, primes);
+    Prime::GetPrimesInRange(last64 - 4, last64, primes);
+    Prime::GetPrimesInRange(4295098368, 4295098370, primes); // 65537 squared
+    EXPECT_EQ(primes, std::vector<uint64>{42});
+    Prime::GetPrimesInRange(2, 3, primes);
+    Prime::GetPrimesInRange(4294967270, 4294967320, primes);
+    Prime::GetPrimesInRange(999999999989, 999999999989, primes);
+    EXPECT_EQ(primes, (std::vector<uint64>{42, 2, 3, 4294967279, 4294967291, 4294967311, 999999999989}));
+    EXPECT_EQ(PrimesInRange(0, 10000000).size(), 664579u); // the published count; many windows of the sieve
+}
+
+std::vector<uint64> Each(uint64 (*function)(uint64), std::vector<uint64> numbers)
+{
+    std::transform(numbers.begin(), numbers.end(), numbers.begin(), function);
+    return numbers;
 }
 
 TEST(Primes, AreSearchedBelowALimitAndForTablesAFifthFurther)
 {
-    const std::map<uint64, uint64> nearest = {{0, 2},
-                                              {1, 2},
-                                              {2, 2},
-                                              {3, 3},
-                                              {4, 5},
-                                              {14, 17},
-                                              {90, 97},
-                                              {1000000, 1000003},
-                                              // Beyond the limit each is its own answer.
-                                              {4294967292, 4294967292},
-                                              {4294967296, 4294967296},
-                                              {last64, last64}};
-    for (const auto& [n, prime] : nearest)
-        EXPECT_EQ(Prime::GetNearestPrimeNumber(n), prime) << n;
-    const std::map<uint64, uint64> sizes = {{0, 3},
-                                            {3, 3},
-                                            {4, 5},
-                                            {7, 11},
-                                            {100, 127},
-                                            {3579139410, 4294967292},
-                                            {153722867280912930, 184467440737095516},
-                                            {153722867280912931, 2}}; // the product wraps
-    for (const auto& [entries, size] : sizes)
-        EXPECT_EQ(Prime::CalculateHashTableSize(entries), size) << entries;
+    EXPECT_EQ(Each(Prime::GetNearestPrimeNumber, {0, 1, 2, 3, 4, 14, 90, 1000000}),
+              (std::vector<uint64>{2, 2, 2, 3, 5, 17, 97, 1000003}));
+    const std::vector<uint64> beyond = {4294967292, 4294967296, last64};
+    EXPECT_EQ(Each(Prime::GetNearestPrimeNumber, beyond), beyond);
+    EXPECT_EQ(Each(Prime::CalculateHashTableSize, {0, 3, 4, 7, 100, 3579139410}),
+              (std::vector<uint64>{3, 3, 5, 11, 127, 4294967292}));
+    EXPECT_EQ(Each(Prime::CalculateHashTableSize, {153722867280912930, 153722867280912931}),
+              (std::vector<uint64>{184467440737095516, 2})); // the product wraps
 }
 
 // ---- random numbers, and the stopwatch ------------------------------------------------------------------
