@@ -12,11 +12,14 @@
 #include "LocaleUtils.h"
 #include "framework/FailureMarkers.h"
 #include "platform/posix/IcuLoader.h"
+#include "support/Table.h"
 #include "support/UserSettings.h"
 
 namespace {
 
 const char* const TwoDigitYears = "Control Panel\\International\\Calendars\\TwoDigitYearMax";
+
+using Table::Unescaped;
 
 std::vector<std::string> markers;
 
@@ -32,12 +35,8 @@ protected:
 
 TEST_F(Locale, FoldsGroupings)
 {
-    const std::map<std::string, unsigned> rows = {{"", 0},    {"3;0", 3},    {"3;2;0", 32},
-                                                  {"9;0", 0}, {"3;9;2", 32}, {"\2633", 3}};
-    for (const auto& [text, grouping] : rows)
-        EXPECT_EQ(LocaleUtils::ConvertGrouping(text), grouping) << text;
-    EXPECT_EQ(LocaleUtils::ConvertGrouping("4;2;1;4;1;8;1;8;1;8;3"), 42141818183 % 4294967296);
-    EXPECT_EQ(LocaleUtils::ConvertGrouping("12345678"), 12345678u);
+    for (const auto& cells : Table::Section("groupings"))
+        EXPECT_EQ(LocaleUtils::ConvertGrouping(Unescaped(cells[0])), std::stoul(cells[1])) << cells[0];
     Use("sGrouping", "3;2;0");
     Use("sMonGrouping", "4;0");
     EXPECT_EQ(LocaleUtils::GetDigitGrouping(), 32u);
@@ -104,26 +103,12 @@ std::map<std::string, std::string> Forms()
 
 TEST_F(Locale, ReadsTheFormsOffTheirNumbers)
 {
-    // For the numbers 0, 1, 2 and so on, up to some that have no meaning.
-    std::map<std::string, std::string> rows = {{"iNegNumber", "001 010 110 000 100 100"},
-                                               {"iCurrency", "10 00 11 01 01"},
-                                               {"iDate", "102 012 210 210"},
-                                               {"iFirstDayOfWeek", "2 3 4 5 6 7 1 1"},
-                                               {"iTime", "1 0 0"},
-                                               {"iCentury", "0 1 0"},
-                                               {"iCountry", "0 1 2"},
-                                               {"iDigits", "0 1 2"},
-                                               {"iCurrDigits", "0 1 2"}};
-    rows["iNegCurr"] =
-        "0001 1100 1000 1010 0001 1100 1110 1010 1100 1100 1010 1010 1000 1110 0001 0001 1010 1010";
-    for (const char* flag : {"iTimePrefix", "iLZero", "iDayLZero", "iMonLZero", "iTLZero", "iMeasure"})
-        rows[flag] = "0 1 1";
-    for (const auto& [setting, forms] : rows) {
-        std::istringstream stream(forms);
+    for (const auto& cells : Table::Section("forms")) {
+        std::istringstream forms(cells[1]);
         int number = 0;
-        for (std::string form; stream >> form; ++number) {
-            Use(setting, std::to_string(number));
-            EXPECT_EQ(Forms()[setting], form) << setting << ' ' << number;
+        for (std::string form; forms >> form; ++number) {
+            Use(cells[0], std::to_string(number));
+            EXPECT_EQ(Forms()[cells[0]], form) << cells[0] << ' ' << number;
         }
     }
 }
@@ -149,47 +134,25 @@ TEST_F(Locale, TakesAUsersPatternsForTheItemsThatAreReadOffThem)
 
 TEST_F(Locale, GoesByTheCategoryOfTheItem)
 {
-    const auto answers = [] {
-        return LocaleUtils::GetDayName(2, false) + ' ' + std::to_string(LocaleUtils::GetDigitGrouping()) +
-               ' ' + std::to_string(LocaleUtils::GetCurrencyFractionalDigits()) + ' ' +
-               std::to_string(LocaleUtils::GetUSMeasurementSystem()) + ' ' +
-               std::to_string(LocaleUtils::GetCountryCode());
-    };
-    const char* const steps[][3] = {{"LANG", "de_DE.UTF-8", "Montag 3 2 0 49"},
-                                    {"LC_NUMERIC", "hi_IN", "Montag 32 2 0 49"},
-                                    {"LC_MONETARY", "ja_JP", "Montag 32 0 0 49"},
-                                    {"LC_TIME", "fr_FR", "lundi 32 0 0 49"},
-                                    {"LC_MEASUREMENT", "en_US", "lundi 32 0 1 49"},
-                                    {"LC_MESSAGES", "pt_BR", "lundi 32 0 1 55"},
-                                    {"LC_TIME", "", "Montag 32 0 1 55"}, // as if unset
-                                    {"LC_ALL", "it_IT", "luned\xEC 3 2 0 39"}};
-    for (const auto& [variable, locale, expected] : steps) {
-        Set(variable, locale);
-        EXPECT_EQ(answers(), expected) << variable;
+    for (const auto& cells : Table::Section("categories")) {
+        Set(cells[0], cells[1]);
+        CString answers;
+        answers.Format("%s %u %u %d %u", LocaleUtils::GetDayName(2, false).GetString(),
+                       LocaleUtils::GetDigitGrouping(), LocaleUtils::GetCurrencyFractionalDigits(),
+                       LocaleUtils::GetUSMeasurementSystem(), LocaleUtils::GetCountryCode());
+        EXPECT_EQ(answers, Unescaped(cells[2]).c_str()) << cells[0];
     }
 }
 
 TEST_F(Locale, FallsBackToTheLanguageAndThenToEnglish)
 {
-    const char* const rows[][3] = {{"de", "Sonntag", "Germany"},
-                                   {"de_XX", "Sonntag", "Germany"},
-                                   {"de_", "Sonntag", "Germany"},
-                                   {"de_AT@euro", "Sonntag", "Austria"},
-                                   {"de_FR.ISO-8859-1", "Sonntag", "France"},
-                                   {"sr_RS@latin", "nedelja", "Serbia"},
-                                   {"eo", "diman?o", "United States"}};
-    for (const auto& [locale, day, country] : rows) {
-        Set("LC_ALL", locale);
-        EXPECT_EQ(LocaleUtils::GetDayName(1, false), day) << locale;
-        EXPECT_EQ(LocaleUtils::GetCountryName(), country) << locale;
+    for (const auto& cells : Table::Section("locales")) {
+        Set("LC_ALL", Unescaped(cells[0]));
+        EXPECT_EQ(LocaleUtils::GetDayName(1, false), cells[1].c_str()) << cells[0];
+        EXPECT_EQ(LocaleUtils::GetCountryName(), cells[2].c_str()) << cells[0];
     }
-    const std::string endless(100'000, 'd');
-    for (const char* english : {"", "C", "C.UTF-8", "POSIX", "xx_YY", "deutsch", "../../etc", "_", "@.",
-                                "\xFF\xFE", endless.c_str()}) {
-        Set("LC_ALL", english);
-        EXPECT_EQ(LocaleUtils::GetDayName(1, false) + LocaleUtils::GetCountryName(), "SundayUnited States")
-            << english;
-    }
+    Set("LC_ALL", std::string(100'000, 'd'));
+    EXPECT_EQ(LocaleUtils::GetDayName(1, false), "Sunday");
     Set("LC_ALL", "sr_RS@latin");
     EXPECT_EQ(LocaleUtils::GetLanguageName(), "Serbian (Latin)");
     EXPECT_TRUE(markers.empty());
@@ -274,13 +237,12 @@ TEST_F(Locale, PassesOverSettingsThatAreNone)
 TEST_F(Locale, HasATwoDigitYearLimit)
 {
     EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 29);
-    std::map<std::string, int> limits = {{"2029", 29}, {"1999", 99}, {"7", 29}, {"", 29},  {"07", 7},
-                                         {"xy", 0},    {"-3", -3},   {"1 ", 1}, {"x5", 0}, {"\2625", 0}};
-    limits[std::string(253, ' ') + "12"] = 12;
-    limits[std::string(254, ' ') + "12"] = 29; // more than is read
-    for (const auto& [text, limit] : limits) {
-        Use("1", text, TwoDigitYears);
-        EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), limit) << text;
+    auto rows = Table::Section("limit of two digits");
+    rows.push_back({std::string(253, ' ') + "12", "12"});
+    rows.push_back({std::string(254, ' ') + "12", "29"}); // more than is read
+    for (const auto& cells : rows) {
+        Use("1", Unescaped(cells[0]), TwoDigitYears);
+        EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), std::stoi(cells[1])) << cells[0];
     }
     const auto file = International() / "Calendars/TwoDigitYearMax/1";
     WriteFile(file, std::string(10'000'000, '1'));
