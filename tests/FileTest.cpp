@@ -140,6 +140,13 @@ TEST(File, FilesAreNamedMovedAndRemoved)
         EXPECT_EQ(file.GetFileName(), "report.old.txt");
         EXPECT_EQ(file.GetFileTitle(), "report.old");
     }
+    {
+        CFile first(path.c_str(), CFile::modeRead | CFile::shareDenyNone), second;
+        CFileException error;
+        EXPECT_FALSE(second.Open(path.c_str(), CFile::modeRead | CFile::shareExclusive, &error));
+        EXPECT_EQ(error.m_cause, CFileException::sharingViolation);
+        EXPECT_TRUE(second.Open(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone));
+    }
     CFileStatus status;
     ASSERT_TRUE(CFile::GetStatus(path.c_str(), status));
     EXPECT_TRUE(status.m_size == 5 && !status.m_readOnly && !status.m_folder);

@@ -83,6 +83,10 @@ TEST_F(StdioFileTest, LinesEndAsTheModeSays)
         EXPECT_EQ(Lines(CFile::typeText), row.text);
         EXPECT_EQ(Lines(0), row.text);
         EXPECT_EQ(Lines(CFile::typeBinary), row.binary);
+        CStdioFile file(Path().c_str(), CFile::modeRead);
+        std::string whole(row.bytes.size(), '#');
+        whole.resize(file.Read(whole.data(), whole.size()));
+        EXPECT_EQ(whole, AsText(row.bytes));
     }
 }
 
