@@ -133,8 +133,10 @@ TEST(DateEntryRecord, HasItsGoldenSample)
         EXPECT_EQ(cut.GetDay(), every.GetDay());
     }
     std::string unknown(golden);
-    unknown[0] = 2;
-    EXPECT_EQ(Loaded(unknown, every).GetID(), -5);
+    for (const char version : {'\0', '\2'}) {
+        unknown[0] = version;
+        EXPECT_EQ(Loaded(unknown, every).GetID(), -5) << int{version};
+    }
 }
 
 TEST(DateMaps, KeepTheirBytes)

@@ -3,480 +3,292 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
-#include <random>
 #include <vector>
 
 #include "support/CalendarModel.h"
+#include "support/RandomSource.h"
+#include "support/Table.h"
 
 namespace {
 
-using Date = std::tuple<int, int, int>;
+using Parts = std::array<int, 6>; // year, month, day, hour, minute, second
 
-Date DateOf(const DateTime& value)
+Parts PartsOf(const DateTime& value)
 {
-    int year = -1, month = -1, day = -1;
-    value.GetDate(year, month, day);
-    return {year, month, day};
+    Parts parts;
+    parts.fill(-2);
+    value.Get(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
+    return parts;
 }
 
-Date TimeOf(const DateTime& value)
-{
-    int hour = -1, minute = -1, second = -1;
-    value.GetTime(hour, minute, second);
-    return {hour, minute, second};
-}
-
-// A value with any two stored numbers, reached by arithmetic that is not range-checked.
-DateTime WithNumber(int number)
+// A value with any two stored numbers, reached by arithmetic that is not range-checked; no time for -1.
+DateTime Stored(int day, int second = 0)
 {
     DateTime value(1, 1, 1, 0, 0, 0);
-    value.AddDays(static_cast<int>(static_cast<unsigned>(number) - 1u));
+    value.AddDays(static_cast<int>(static_cast<unsigned>(day) - 1u));
+    value.SetInvalidTime();
+    value.SetTime(second / 3600, second / 60 % 60, second % 60);
     return value;
 }
 
-constexpr int Extremes[] = {INT_MIN, INT_MIN + 1, -1900, -1, 0, INT_MAX - 1900, INT_MAX - 1, INT_MAX};
+DateTime On(int year, int month, int day)
+{
+    return DateTime(year, month, day, 10, 20, 30);
+}
+
+// The numbers from low to high, and those that overflow first.
+std::vector<int> NumbersAndExtremes(int low, int high)
+{
+    std::vector<int> numbers = {INT_MIN, -1900, INT_MAX - 1900, INT_MAX};
+    for (int number = low; number <= high; ++number)
+        numbers.push_back(number);
+    return numbers;
+}
 
 // ---- the calendar over its whole range ------------------------------------------------------------------
 
-TEST(Calendar, ReadsEveryDayNumberAsTheWalkDoes)
+// All dates that exist are met in their order: a second value walks along, from day to day.
+TEST(Calendar, FollowsTheRulesForEveryDateAndNoOther)
 {
-    CalendarModel::Walker walker;
-    DateTime date(1, 1, 1, 0, 0, 0);
-    for (int number = 1; number <= DateTime::MAXDAY; ++number, walker.Next(), date.AddDays(1)) {
-        ASSERT_EQ(DateOf(date), walker.Date()) << number;
-        ASSERT_EQ(date.GetYear(), walker.year) << number;
-    }
-    EXPECT_EQ(walker.Date(), Date(10000, 1, 1));
-    EXPECT_EQ(DateOf(date), Date(0, 0, 0));
-}
-
-TEST(Calendar, NumbersEveryDateByTheRule)
-{
-    const DateTime calendar;
-    for (int year = 0; year <= 10000; ++year)
-        for (int month = 0; month <= 13; ++month)
-            for (int day = 0; day <= 32; ++day) {
+    const auto years = NumbersAndExtremes(-1, 10001), months = NumbersAndExtremes(0, 13),
+               days = NumbersAndExtremes(0, 32);
+    const DateTime calendar, before = Stored(4711);
+    DateTime walk = Stored(1);
+    for (const int year : years) {
+        const bool isLeap = CalendarModel::IsLeap(year);
+        ASSERT_EQ(DateTime::IsLeapYear(year), isLeap) << year;
+        ASSERT_EQ(DateTime::GetDaysInYear(year), year == 1582 ? 355 : isLeap ? 366 : 365) << year;
+        for (const int month : months) {
+            SCOPED_TRACE(testing::Message() << year << '-' << month);
+            const int last = CalendarModel::MonthLength(year, month);
+            ASSERT_EQ(DateTime::GetDaysInMonth(year, month), last);
+            ASSERT_EQ(calendar.GetCenturyLeapYearCount(year, month),
+                      CalendarModel::LeapYearsInCentury(year, month));
+            const int weekdayBefore = last > 0 ? CalendarModel::Weekday(year, month, 1) - 2 : 0;
+            for (const int day : days) {
                 const int number = CalendarModel::DayNumber(year, month, day);
-                ASSERT_EQ(calendar.DaysFromDay1(year, month, day), number)
-                    << year << ' ' << month << ' ' << day;
+                ASSERT_EQ(calendar.DaysFromDay1(year, month, day), number) << day;
                 ASSERT_EQ(DateTime::DayOfYear(year, month, day), CalendarModel::DayOfYear(year, month, day));
-                DateTime date = WithNumber(4711), expected = WithNumber(number != 0 ? number : 4711);
+                DateTime date = before;
                 date.SetDate(year, month, day);
-                ASSERT_EQ(date, expected) << year << ' ' << month << ' ' << day;
+                ASSERT_EQ(date, number != 0 ? Stored(number) : before) << day;
+                const int weekday = number != 0 ? (weekdayBefore + day) % 7 + 1 : 0;
+                ASSERT_EQ(DateTime::GetDayOfWeek(year, month, day), weekday) << day;
+                if (number == 0)
+                    continue;
+                ASSERT_EQ(PartsOf(walk), (Parts{year, month, day, 0, 0, 0}));
+                ASSERT_EQ(walk.GetYear(), year);
+                ASSERT_EQ(walk.GetDayOfWeek(), weekday) << day;
+                walk.AddDays(1);
             }
-}
-
-TEST(Calendar, GivesEveryDayTheWeekdayOfTheRule)
-{
-    CalendarModel::Walker walker;
-    DateTime date(1, 1, 1, 0, 0, 0);
-    int firstOfMonth = 0;
-    for (int number = 1; number <= DateTime::MAXDAY; ++number, walker.Next(), date.AddDays(1)) {
-        if (walker.day == 1)
-            firstOfMonth = CalendarModel::Weekday(walker.year, walker.month, 1);
-        const int weekday = (firstOfMonth - 1 + walker.day - 1) % 7 + 1;
-        ASSERT_EQ(date.GetDayOfWeek(), weekday) << number;
-        ASSERT_EQ(DateTime::GetDayOfWeek(walker.year, walker.month, walker.day), weekday) << number;
+        }
     }
+    EXPECT_EQ(walk, Stored(DateTime::MAXDAY + 1));
+    const int codes[] = {5, 4, 2, 0};
+    for (const int century : NumbersAndExtremes(-4, 101))
+        EXPECT_EQ(calendar.GetCenturyCode(century), century < 0 || century > 25 ? -1 : codes[century % 4]);
+    for (const int month : NumbersAndExtremes(13, 14))
+        EXPECT_EQ(calendar.GetMonthCode(month), 0);
 }
 
 TEST(Calendar, KeepsTheFiguresThatStoredDatesDependOn)
 {
-    const struct {
-        int year, month, day, number;
-        Date readBack;
-        int weekday; // of what is read back
-    } rows[] = {
-        {1, 1, 1, 1, {1, 1, 1}, 1},
-        {1500, 2, 29, 547569, {1500, 2, 29}, 5},
-        {1582, 10, 4, 577737, {1582, 10, 4}, 3},
-        {1582, 10, 5, 577728, {1582, 9, 25}, 1},
-        {1582, 10, 14, 577737, {1582, 10, 4}, 3},
-        {1582, 10, 15, 577728, {1582, 9, 25}, 1},
-        {1582, 10, 21, 577734, {1582, 10, 1}, 7},
-        {1582, 10, 22, 0, {0, 0, 0}, 6},
-        {1582, 11, 1, 577755, {1582, 11, 1}, 3},
-        {1582, 11, 14, 577768, {1582, 11, 14}, 2},
-        {1582, 11, 15, 577759, {1582, 11, 5}, 7},
-        {1582, 12, 31, 577805, {1582, 12, 21}, 4},
-        {1583, 1, 1, 577816, {1583, 1, 1}, 1},
-        {1899, 12, 30, 693596, {1899, 12, 30}, 7},
-        {1970, 1, 1, 719165, {1970, 1, 1}, 5},
-        {2000, 2, 29, 730181, {2000, 2, 29}, 3},
-        {2023, 12, 31, 738887, {2023, 12, 31}, 1},
-        {2024, 1, 1, 738888, {2024, 1, 1}, 2},
-        {2599, 12, 31, 949267, {2599, 12, 31}, 3},
-        {2600, 1, 1, 949268, {2600, 1, 1}, 1}, // really a Wednesday
-        {9999, 12, 31, 3652061, {9999, 12, 31}, 5},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.year << '-' << row.month << '-' << row.day);
-        DateTime date;
-        EXPECT_EQ(date.DaysFromDay1(row.year, row.month, row.day), row.number);
-        date.SetDate(row.year, row.month, row.day);
-        EXPECT_EQ(DateOf(date), row.readBack);
-        EXPECT_EQ(date.GetDayOfWeek(), row.weekday);
+    for (const auto& row : Table::Numbers("figures")) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        const auto number = [&](std::size_t cell) { return static_cast<int>(row[cell]); };
+        DateTime date = Stored(0);
+        EXPECT_EQ(date.DaysFromDay1(number(0), number(1), number(2)), row[3]);
+        date.SetDate(number(0), number(1), number(2));
+        EXPECT_EQ(PartsOf(date), (Parts{number(4), number(5), number(6)}));
+        EXPECT_EQ(date.GetDayOfWeek(), row[7]);
     }
-}
-
-TEST(Calendar, CountsLeapYearsAndLengthsAsTheWalkDoes)
-{
-    const DateTime calendar;
-    for (int year = -1; year <= 10001; ++year) {
-        ASSERT_EQ(DateTime::IsLeapYear(year), CalendarModel::IsLeap(year)) << year;
-        ASSERT_EQ(DateTime::GetDaysInYear(year), year == 1582                  ? 355
-                                                 : CalendarModel::IsLeap(year) ? 366
-                                                                               : 365);
-        for (int month = -1; month <= 14; ++month) {
-            ASSERT_EQ(DateTime::GetDaysInMonth(year, month), CalendarModel::MonthLength(year, month)) << year;
-            const bool inRange = year >= 1 && year <= 9999;
-            ASSERT_EQ(calendar.GetCenturyLeapYearCount(year, month),
-                      inRange ? CalendarModel::LeapYearsInCentury(year, month) : 0)
-                << year << ' ' << month;
-        }
-    }
-    const int codes[] = {5, 4, 2, 0};
-    for (int century = -4; century <= 101; ++century)
-        EXPECT_EQ(calendar.GetCenturyCode(century), century < 0 || century > 25 ? -1 : codes[century % 4]);
-}
-
-TEST(Calendar, AnswersNeutrallyOutOfRange)
-{
-    const DateTime calendar;
-    for (const int wild : Extremes) {
-        SCOPED_TRACE(wild);
-        EXPECT_FALSE(DateTime::IsLeapYear(wild));
-        EXPECT_EQ(DateTime::GetDaysInYear(wild), 365);
-        EXPECT_EQ(DateTime::GetDaysInMonth(wild, 1) + DateTime::GetDaysInMonth(2000, wild), 0);
-        EXPECT_EQ(calendar.GetCenturyLeapYearCount(wild, 3), 0);
-        EXPECT_EQ(calendar.GetMonthCode(wild), 0);
-        EXPECT_EQ(calendar.GetCenturyCode(wild), wild == 0 ? 5 : -1);
-        for (const auto& [year, month, day] : {Date(wild, 1, 1), Date(2000, wild, 1), Date(2000, 1, wild)}) {
-            EXPECT_EQ(calendar.DaysFromDay1(year, month, day), 0);
-            EXPECT_EQ(DateTime::DayOfYear(year, month, day), 0);
-            EXPECT_EQ(DateTime::GetDayOfWeek(year, month, day), 0);
-        }
-    }
-    EXPECT_EQ(calendar.GetDayOfWeek(), 6);
-    EXPECT_EQ(calendar.GetCenturyLeapYearCount(10000, 3), 0);
 }
 
 // ---- the value ------------------------------------------------------------------------------------------
 
-TEST(DateTimeSetters, TakeEachHalfByItselfAndTheConstructorBoth)
+TEST(DateTimeValue, TakesEachHalfByItselfAndInTheConstructorBoth)
 {
-    const struct {
-        int year, month, day, hour, minute, second;
-        bool date, time;
-    } rows[] = {
-        {2024, 2, 29, 23, 59, 59, true, true},    {2023, 2, 29, 0, 0, 0, false, true},
-        {2024, 1, 1, 24, 0, 0, true, false},      {2024, 1, 1, 0, 60, 0, true, false},
-        {2024, 1, 1, 0, 0, 60, true, false},      {2024, 1, 1, -1, 0, 0, true, false},
-        {2024, 1, 1, 0, INT_MIN, 0, true, false}, {0, 1, 1, 0, 0, 0, false, true},
-        {10000, 1, 1, 0, 0, 0, false, true},      {2024, 13, 1, 0, 0, -1, false, false},
-        {1582, 10, 25, 1, 1, 1, false, true},     {INT_MIN, INT_MIN, INT_MAX, INT_MAX, 0, 0, false, false},
-    };
-    const DateTime before(1900, 5, 6, 7, 8, 9);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.year << '-' << row.month << '-' << row.day << ' ' << row.hour);
-        DateTime value = before;
-        value.Set(row.year, row.month, row.day, row.hour, row.minute, row.second);
-        const Date date(row.year, row.month, row.day), time(row.hour, row.minute, row.second);
-        EXPECT_EQ(DateOf(value), row.date ? date : DateOf(before));
-        EXPECT_EQ(TimeOf(value), row.time ? time : TimeOf(before));
-        const DateTime made(row.year, row.month, row.day, row.hour, row.minute, row.second);
-        EXPECT_EQ(made, row.date && row.time ? value : DateTime());
+    const Parts before = {1900, 5, 6, 7, 8, 9};
+    for (const auto& row : Table::Numbers("halves")) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        Parts parts, expected = before;
+        std::transform(row.begin(), row.begin() + 6, parts.begin(),
+                       [](long long n) { return static_cast<int>(n); });
+        const auto& [year, month, day, hour, minute, second] = parts;
+        DateTime value(1900, 5, 6, 7, 8, 9);
+        value.Set(year, month, day, hour, minute, second);
+        if (row[6] != 0)
+            std::copy_n(parts.begin(), 3, expected.begin());
+        if (row[7] != 0)
+            std::copy_n(parts.begin() + 3, 3, expected.begin() + 3);
+        EXPECT_EQ(PartsOf(value), expected);
+        EXPECT_EQ(DateTime(year, month, day, hour, minute, second),
+                  row[6] * row[7] != 0 ? value : DateTime());
     }
 }
 
-TEST(DateTimeSetters, ChangeOnePart)
+TEST(DateTimeValue, IsChangedByOneNumber)
 {
-    const DateTime leapDay(2024, 2, 29, 10, 20, 30);
-    const auto change = [&](auto setter, int argument, DateTime value) {
-        (value.*setter)(argument);
-        return value;
+    const DateTime leapDay = On(2024, 2, 29);
+    const struct {
+        void (DateTime::*change)(int);
+        int n;
+        DateTime from, to;
+    } rows[] = {
+        {&DateTime::SetYear, 2025, leapDay, On(2025, 2, 28)},
+        {&DateTime::SetMonth, 4, On(2024, 5, 31), On(2024, 4, 30)},
+        {&DateTime::SetDay, 30, leapDay, leapDay},
+        {&DateTime::SetHour, 23, leapDay, DateTime(2024, 2, 29, 23, 20, 30)},
+        {&DateTime::SetMinute, 59, leapDay, DateTime(2024, 2, 29, 10, 59, 30)},
+        {&DateTime::SetSecond, 0, leapDay, DateTime(2024, 2, 29, 10, 20, 0)},
+        {&DateTime::AddYears, 1, leapDay, leapDay}, // unlike SetYear
+        {&DateTime::AddYears, INT_MAX, On(2023, 5, 6), On(9999, 5, 6)},
+        {&DateTime::AddYears, INT_MIN, On(2023, 5, 6), On(1, 5, 6)},
+        {&DateTime::AddMonths, INT_MAX, leapDay, leapDay},
+        {&DateTime::AddMonths, INT_MIN, leapDay, leapDay},
+        {&DateTime::AddMonthsSameDay, INT_MAX, leapDay, leapDay},
+        {&DateTime::AddMonthsSameDay, INT_MIN, leapDay, leapDay},
+        {&DateTime::AddMonthsSameDay, 1, On(2024, 5, 31), On(2024, 5, 31)}, // no fifth Friday in June
+        {&DateTime::AddWeeks, -1, On(2024, 3, 5), On(2024, 2, 27)},
+        {&DateTime::AddWeeks, INT_MIN, Stored(738888), Stored(738888 + INT_MIN)}, // 7 x -2^31 wraps
+        {&DateTime::AddDays, INT_MAX, Stored(738888), Stored(738887 + INT_MIN)},
     };
-    EXPECT_EQ(DateOf(change(&DateTime::SetYear, 2025, leapDay)), Date(2025, 2, 28));
-    EXPECT_EQ(DateOf(change(&DateTime::SetMonth, 4, DateTime(2024, 5, 31, 0, 0, 0))), Date(2024, 4, 30));
-    EXPECT_EQ(DateOf(change(&DateTime::SetDay, 30, leapDay)), Date(2024, 2, 29));
-    EXPECT_EQ(TimeOf(change(&DateTime::SetHour, 23, leapDay)), Date(23, 20, 30));
-    EXPECT_EQ(TimeOf(change(&DateTime::SetMinute, 59, leapDay)), Date(10, 59, 30));
-    EXPECT_EQ(TimeOf(change(&DateTime::SetSecond, 0, leapDay)), Date(10, 20, 0));
-    EXPECT_EQ(change(&DateTime::SetHour, 5, DateTime()), DateTime());
-    EXPECT_EQ(change(&DateTime::SetMinute, 5, DateTime()), DateTime());
-    EXPECT_EQ(TimeOf(change(&DateTime::SetSecond, 5, DateTime())), Date(0, 0, 5));
-    for (const auto setter : {&DateTime::SetYear, &DateTime::SetMonth, &DateTime::SetDay}) {
-        EXPECT_EQ(change(setter, 1, DateTime()), DateTime());
-        for (const int wild : Extremes)
-            EXPECT_EQ(change(setter, wild, leapDay), leapDay) << wild;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        DateTime value = row.from, missing;
+        (value.*row.change)(row.n);
+        EXPECT_EQ(value, row.to);
+        (missing.*row.change)(5); // a missing time reads as 0, 0, -1: only its second can be set
+        EXPECT_EQ(missing, row.change == &DateTime::SetSecond ? Stored(0, 5) : DateTime());
     }
-    for (const auto setter : {&DateTime::SetHour, &DateTime::SetMinute, &DateTime::SetSecond})
-        for (const int wild : {INT_MIN, -1, 60, INT_MAX})
-            EXPECT_EQ(change(setter, wild, leapDay), leapDay) << wild;
-    DateTime value = leapDay;
-    value.SetToFirstDay();
-    EXPECT_EQ(DateOf(value), Date(2024, 2, 1));
+    for (const auto set : {&DateTime::SetYear, &DateTime::SetMonth, &DateTime::SetDay, &DateTime::SetHour,
+                           &DateTime::SetMinute, &DateTime::SetSecond})
+        for (const int wild : {INT_MIN, -1, 10000, INT_MAX}) {
+            DateTime value = leapDay;
+            (value.*set)(wild);
+            EXPECT_EQ(value, leapDay) << wild;
+        }
+    DateTime value = On(2024, 2, 9);
     value.SetToLastDay();
     EXPECT_EQ(value, leapDay);
-    value.SetInvalidDate();
+    value.SetToFirstDay();
+    EXPECT_EQ(value, On(2024, 2, 1));
+    value.SetDate(Stored(INT_MAX)); // the number is taken whatever it is
     value.SetToLastDay();
-    EXPECT_EQ(DateOf(value), Date(0, 0, 0));
+    EXPECT_EQ(value, Stored(INT_MAX, 37230));
 }
 
-// ---- arithmetic -----------------------------------------------------------------------------------------
-
-struct Stored {
-    int day, second;
-};
-
-// As it is defined: a product of 32 bits, then steps of a day.
-Stored AddTimeByLoop(Stored value, int n, int unit)
+// The rule of times: a product of 32 bits, then steps of a day.
+TEST(DateTimeValue, MovesTimesAsTheLoopDoes)
 {
-    if (n == 0 || value.second < 0 || value.second >= 86400)
-        return value;
-    auto total = static_cast<int>(static_cast<unsigned>(n) * static_cast<unsigned>(unit) +
-                                  static_cast<unsigned>(value.second));
-    for (; total < 0; total += 86400)
-        value.day = static_cast<int>(static_cast<unsigned>(value.day) - 1u);
-    for (; total >= 86400; total -= 86400)
-        value.day = static_cast<int>(static_cast<unsigned>(value.day) + 1u);
-    value.second = total;
-    return value;
-}
-
-TEST(DateTimeArithmetic, MovesTimesAsTheLoopDoes)
-{
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
-    std::vector<int> counts = {0,       1,           -1,      23,       24,
-                               -24,     86399,       86400,   -86400,   -86401,
-                               596523,  596524,      -596524, INT_MAX,  INT_MAX - 86399,
-                               INT_MIN, INT_MIN + 1, 1 << 28, 35791394, 35791395};
+    RandomSource random;
+    std::vector<int> counts = {0,      1,      -1,      23,      24,      -24,     86399,   86400,
+                               -86401, 596523, -596524, INT_MAX, INT_MIN, 1 << 28, 35791395};
     while (counts.size() < 300)
         counts.push_back(static_cast<int>(random()));
+    const struct {
+        void (DateTime::*add)(int);
+        unsigned unit;
+    } operations[] = {{&DateTime::AddHours, 3600}, {&DateTime::AddMinutes, 60}, {&DateTime::AddSeconds, 1}};
     for (const int n : counts)
-        for (const int second : {0, 1, 43200, 86399})
-            for (const int day : {0, 1, 738888, 3652061, INT_MAX, INT_MIN}) {
-                DateTime base = WithNumber(day);
-                base.SetTime(second / 3600, second / 60 % 60, second % 60);
-                const struct {
-                    void (DateTime::*add)(int);
-                    int unit;
-                } operations[] = {
-                    {&DateTime::AddHours, 3600}, {&DateTime::AddMinutes, 60}, {&DateTime::AddSeconds, 1}};
-                for (const auto& operation : operations) {
-                    const Stored expected = AddTimeByLoop({day, second}, n, operation.unit);
-                    DateTime moved = base, wanted = WithNumber(expected.day);
-                    wanted.SetTime(expected.second / 3600, expected.second / 60 % 60, expected.second % 60);
-                    (moved.*operation.add)(n);
-                    ASSERT_EQ(moved, wanted)
-                        << n << " x " << operation.unit << " from " << day << ", " << second;
+        for (const int second : {-1, 0, 1, 43200, 86399})
+            for (const int day : {0, 1, 738888, 3652061, INT_MAX, INT_MIN})
+                for (const auto& [add, unit] : operations) {
+                    DateTime moved = Stored(day, second);
+                    (moved.*add)(n);
+                    auto date = static_cast<unsigned>(day);
+                    auto total =
+                        static_cast<int>(static_cast<unsigned>(n) * unit + static_cast<unsigned>(second));
+                    for (; second >= 0 && total < 0; total += 86400)
+                        --date;
+                    for (; second >= 0 && total >= 86400; total -= 86400)
+                        ++date;
+                    ASSERT_EQ(moved, Stored(static_cast<int>(date), second < 0 ? -1 : total))
+                        << n << " x " << unit << " from " << day << ", " << second;
                 }
-            }
-    DateTime noTime;
-    noTime.SetDate(2024, 1, 1);
-    DateTime moved = noTime;
-    moved.AddMinutes(5);
-    EXPECT_EQ(moved, noTime);
-    DateTime noDate;
-    noDate.SetTime(0, 30, 0);
-    noDate.AddHours(-1); // the day number goes to -1, so one day later it is 0 again
-    noDate.AddHours(1);
-    DateTime again;
-    again.SetTime(0, 30, 0);
-    EXPECT_EQ(noDate, again);
 }
 
-// The date of a move by months, by single steps; the year 0 for none.
-CalendarModel::Walker MoveMonthsByLoop(CalendarModel::Walker date, int n)
+TEST(DateTimeValue, MovesDatesAsTheWalkDoes)
 {
-    int64 month = int64{date.month} + n, year = date.year;
-    for (; month > 12; month -= 12)
-        ++year;
-    for (; month < 1; month += 12)
-        --year;
-    date.year = year < 1 || year > 9999 ? 0 : static_cast<int>(year);
-    date.month = static_cast<int>(month);
-    return date;
-}
-
-int PlaceInMonth(CalendarModel::Walker date)
-{
-    int place = 0;
-    for (int day = 1; day <= date.day; ++day)
-        place += CalendarModel::Weekday(date.year, date.month, day) ==
-                 CalendarModel::Weekday(date.year, date.month, date.day);
-    return place;
-}
-
-int DayOfPlace(int year, int month, int weekday, int place)
-{
-    for (int day = 1; day <= CalendarModel::MonthLength(year, month); ++day)
-        if (CalendarModel::Weekday(year, month, day) == weekday && --place == 0)
-            return day;
-    return 0;
-}
-
-TEST(DateTimeArithmetic, MovesDatesAsTheWalkDoes)
-{
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
-    const auto number = [&](int low, int high) { return std::uniform_int_distribution<>(low, high)(random); };
-    const int spread[] = {1, 14, 400, 120000};
+    RandomSource random;
     for (int round = 0; round < 20000; ++round) {
-        CalendarModel::Walker date;
-        date.year = round % 4 == 0   ? number(1581, 1583)
-                    : round % 4 == 1 ? number(0, 1) * 9996 + number(1, 3)
-                                     : number(1, 9999);
-        date.month = number(1, 12);
-        date.day = number(1, CalendarModel::MonthLength(date.year, date.month));
-        DateTime base;
-        base.SetDate(date.year, date.month, date.day);
-        base.GetDate(date.year, date.month, date.day); // in autumn 1582 another one
-        const int reach = spread[round % 4 == 0 ? round / 4 % 4 : 3];
-        const int n = number(-reach, reach);
-        const auto target = MoveMonthsByLoop(date, n);
-        SCOPED_TRACE(testing::Message() << date.year << '-' << date.month << '-' << date.day << " by " << n);
+        // Around the switch of the calendars, at both ends of the range, anywhere; by a little or by much.
+        const int years[] = {random.From(1581, 1583), random.From(0, 1) * 9996 + random.From(1, 3),
+                             random.From(1, 9999)};
+        DateTime base = On(years[round % 3], random.From(1, 12), random.From(1, 20));
+        base.AddDays(random.From(0, 11));
+        const auto [year, month, day, hour, minute, second] = PartsOf(base); // not always what was set
+        const int reach = 3 << random.From(0, 15), n = random.From(-reach, reach);
+        SCOPED_TRACE(testing::Message() << year << '-' << month << '-' << day << " by " << n);
 
-        DateTime expected = base, moved = base;
-        if (n != 0 && target.year != 0) {
-            const int last = CalendarModel::MonthLength(target.year, target.month);
-            expected.SetDate(
-                WithNumber(CalendarModel::DayNumber(target.year, target.month, std::min(date.day, last))));
+        DateTime moved[] = {base, base, base}, expected[] = {base, base, base};
+        moved[0].AddYears(n);
+        moved[1].AddMonths(n);
+        moved[2].AddMonthsSameDay(n);
+        int toYear = year, toMonth = month + n;
+        for (; toMonth > 12; toMonth -= 12)
+            ++toYear;
+        for (; toMonth < 1; toMonth += 12)
+            --toYear;
+        const int weekday = CalendarModel::Weekday(year, month, day);
+        const auto from = CalendarModel::DaysOn(weekday, year, month),
+                   to = CalendarModel::DaysOn(weekday, toYear, toMonth);
+        const auto place = static_cast<std::size_t>(std::find(from.begin(), from.end(), day) - from.begin());
+        if (n != 0) {
+            expected[0].SetDate(std::clamp(year + n, 1, 9999), month, day);
+            expected[1].SetDate(toYear, toMonth, std::min(day, CalendarModel::MonthLength(toYear, toMonth)));
+            expected[2].SetDate(toYear, toMonth, place < to.size() ? to[place] : 0);
         }
-        moved.AddMonths(n);
-        ASSERT_EQ(moved, expected) << "AddMonths";
-
-        expected = moved = base;
-        const int weekday = CalendarModel::Weekday(date.year, date.month, date.day);
-        const int day = DayOfPlace(target.year, target.month, weekday, PlaceInMonth(date));
-        if (n != 0 && day != 0)
-            expected.SetDate(target.year, target.month, day);
-        moved.AddMonthsSameDay(n);
-        ASSERT_EQ(moved, expected) << "AddMonthsSameDay";
-
-        expected = moved = base;
-        if (n != 0)
-            expected.SetDate(std::clamp(date.year + n, 1, 9999), date.month, date.day);
-        moved.AddYears(n);
-        ASSERT_EQ(moved, expected) << "AddYears";
+        for (int i = 0; i < 3; ++i)
+            ASSERT_EQ(moved[i], expected[i]) << i;
     }
 }
 
-TEST(DateTimeArithmetic, TakesTheExamplesAndTheExtremes)
+TEST(DateTimeValue, ComparesWithMissingHalvesFirst)
 {
-    const auto moved = [](auto add, int n, Date from) {
-        DateTime date;
-        date.SetDate(std::get<0>(from), std::get<1>(from), std::get<2>(from));
-        (date.*add)(n);
-        return DateOf(date);
+    struct Ranked {
+        DateTime value;
+        int day, second; // 0 and -1 where they are missing
     };
-    EXPECT_EQ(moved(&DateTime::AddYears, 1, {2024, 2, 29}), Date(2024, 2, 29));
-    EXPECT_EQ(moved(&DateTime::AddYears, INT_MAX, {2023, 5, 6}), Date(9999, 5, 6));
-    EXPECT_EQ(moved(&DateTime::AddYears, INT_MIN, {2023, 5, 6}), Date(1, 5, 6));
-    EXPECT_EQ(moved(&DateTime::AddMonths, 1, {2023, 1, 31}), Date(2023, 2, 28));
-    EXPECT_EQ(moved(&DateTime::AddMonths, 1, {9999, 12, 31}), Date(9999, 12, 31));
-    EXPECT_EQ(moved(&DateTime::AddMonths, -1, {1, 1, 31}), Date(1, 1, 31));
-    EXPECT_EQ(moved(&DateTime::AddMonths, -1, {2024, 3, 31}), Date(2024, 2, 29));
-    EXPECT_EQ(moved(&DateTime::AddMonthsSameDay, 1, {2024, 1, 9}), Date(2024, 2, 13));
-    EXPECT_EQ(moved(&DateTime::AddMonthsSameDay, 1, {2024, 5, 31}),
-              Date(2024, 5, 31)); // no fifth Friday in June
-    EXPECT_EQ(moved(&DateTime::AddWeeks, -1, {2024, 3, 5}), Date(2024, 2, 27));
-    EXPECT_EQ(moved(&DateTime::AddWeeks, INT_MIN, {2024, 3, 5}), Date(0, 0, 0)); // 7 x -2^31 wraps to -2^31
-    for (const int n : {INT_MIN, INT_MAX}) {
-        EXPECT_EQ(moved(&DateTime::AddMonths, n, {2024, 3, 5}), Date(2024, 3, 5));
-        EXPECT_EQ(moved(&DateTime::AddMonthsSameDay, n, {2024, 3, 5}), Date(2024, 3, 5));
-        EXPECT_EQ(moved(&DateTime::AddDays, n, {2024, 3, 5}), Date(0, 0, 0));
-    }
-    for (const auto add : {&DateTime::AddDays, &DateTime::AddWeeks, &DateTime::AddMonths,
-                           &DateTime::AddMonthsSameDay, &DateTime::AddYears}) {
-        DateTime missing;
-        (missing.*add)(1);
-        EXPECT_EQ(missing, DateTime());
-    }
-}
-
-// ---- comparing ------------------------------------------------------------------------------------------
-
-TEST(DateTimeComparison, PutsMissingHalvesFirst)
-{
-    std::vector<DateTime> values;
+    std::vector<Ranked> values;
     for (const int day : {INT_MIN, -1, 0, 1, 2, 738888, DateTime::MAXDAY, DateTime::MAXDAY + 1, INT_MAX})
-        for (const int second : {-1, 0, 1, 86399}) {
-            values.push_back(WithNumber(day));
-            values.back().SetInvalidTime();
-            if (second >= 0)
-                values.back().SetTime(second / 3600, second / 60 % 60, second % 60);
+        for (const int second : {-1, 0, 1, 86399})
+            values.push_back({Stored(day, second), day < 1 || day > 3652061 ? 0 : day, second});
+    const auto compare = [](int a, int b) { return a < b ? -1 : a > b ? 1 : 0; };
+    for (const Ranked& a : values)
+        for (const Ranked& b : values) {
+            const int date = compare(a.day, b.day), time = compare(a.second, b.second);
+            ASSERT_EQ(a.value.CompareDate(b.value), date);
+            ASSERT_EQ(a.value.CompareTime(b.value), time);
+            ASSERT_EQ(a.value < b.value, date < 0 || (date == 0 && time < 0));
+            ASSERT_EQ(a.value > b.value, date > 0 || (date == 0 && time > 0));
+            ASSERT_EQ(a.value == b.value, &a == &b); // two missing dates may be stored differently
         }
-    const auto compare = [](bool validA, bool validB, auto a, auto b) {
-        if (!validA || !validB)
-            return int{validA} - int{validB};
-        return a < b ? -1 : a == b ? 0 : 1;
-    };
-    for (const DateTime& a : values)
-        for (const DateTime& b : values) {
-            const int date = compare(a.IsValidDate(), b.IsValidDate(), DateOf(a), DateOf(b));
-            const int time = compare(a.IsValidTime(), b.IsValidTime(), TimeOf(a), TimeOf(b));
-            ASSERT_EQ(a.CompareDate(b), date);
-            ASSERT_EQ(a.CompareTime(b), time);
-            ASSERT_EQ(a < b, date != 0 ? date < 0 : time < 0);
-            ASSERT_EQ(a > b, date != 0 ? date > 0 : time > 0);
-        }
-    EXPECT_NE(WithNumber(0), WithNumber(DateTime::MAXDAY + 1)); // both missing, stored differently
 }
-
-// ---- spans of seconds -----------------------------------------------------------------------------------
 
 TEST(DateTimeSpans, ConvertBothWays)
 {
     int64 seconds = -1;
-    DateTime::ConvertDeltaToSeconds(DateTime(9999, 12, 31, 23, 59, 59), DateTime(1, 1, 1, 0, 0, 0), seconds);
-    EXPECT_EQ(seconds, 315538070399);
-    DateTime::ConvertDeltaToSeconds(DateTime(2024, 1, 1, 0, 0, 0), DateTime(2024, 1, 1, 0, 0, 1), seconds);
-    EXPECT_EQ(seconds, -1);
-    DateTime::ConvertDeltaToSeconds(DateTime(2024, 1, 1, 0, 0, 0), DateTime(), seconds);
-    EXPECT_EQ(seconds, 0);
-
-    const struct {
-        long days;
-        int hours, minutes, seconds;
-        int64 total;
-    } sums[] = {
-        {1, 1, 1, 1, 90061},
-        {-1, 0, 0, 1, -86399},
-        {100000, 0, 0, 0, 8640000000},
-        {0, 596524, 0, 0, -2147480896},              // 2147486400 in 32 bits
-        {0, 0, 35791395, 0, -2147483596},            // 2147483700 in 32 bits
-        {0, 596523, 35791394, INT_MAX, 6442450087},  // large, but nothing wraps
-        {0, INT_MIN, INT_MIN, INT_MIN, -2147483648}, // the products are 0
-    };
-    for (const auto& row : sums) {
-        DateTime::ConvertToSeconds(row.days, row.hours, row.minutes, row.seconds, seconds);
-        EXPECT_EQ(seconds, row.total);
+    const DateTime first = Stored(1), last(9999, 12, 31, 23, 59, 59);
+    DateTime::ConvertDeltaToSeconds(first, last, seconds);
+    EXPECT_EQ(seconds, -315538070399);
+    for (const DateTime& half : {Stored(738888, -1), Stored(0, 1)})
+        for (const auto& [a, b] : {std::pair(last, half), std::pair(half, last)}) {
+            DateTime::ConvertDeltaToSeconds(a, b, seconds = -1);
+            EXPECT_EQ(seconds, 0);
+        }
+    for (const auto& row : Table::Numbers("sum of seconds")) {
+        const auto number = [&](std::size_t cell) { return static_cast<int>(row[cell]); };
+        DateTime::ConvertToSeconds(number(0), number(1), number(2), number(3), seconds);
+        EXPECT_EQ(seconds, row[4]);
     }
-
-    const struct {
-        int64 total;
-        long days;
-        int hours, minutes, seconds;
-    } parts[] = {
-        {-90, 0, 0, 1, 30},
-        {90061, 1, 1, 1, 1},
-        {-90061, 1, 1, 1, 1},
-        {0, 0, 0, 0, 0},
-        {8640000000 * 30, 3000000, 0, 0, 0},
-        {LLONG_MAX, 106751991167300, 15, 30, 7},
-        {LLONG_MIN, 106751991167300, 15, 30, 8},
-    };
-    for (const auto& row : parts) {
+    for (const auto& row : Table::Numbers("span")) {
         long days = -1;
         int hour = -1, minute = -1, second = -1;
-        DateTime::ConvertFromSeconds(row.total, days, hour, minute, second);
-        EXPECT_EQ(days, row.days) << row.total;
-        EXPECT_EQ(Date(hour, minute, second), Date(row.hours, row.minutes, row.seconds)) << row.total;
+        DateTime::ConvertFromSeconds(row[0], days, hour, minute, second);
+        EXPECT_EQ((std::vector<long long>{row[0], days, hour, minute, second}), row);
     }
 }
 

@@ -5,58 +5,47 @@
 #include <filesystem>
 #include <limits>
 #include <new>
-#include <random>
 #include <string>
 
 #include "CMemFile.h"
 #include "support/ArchiveBytes.h"
+#include "support/RandomSource.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
 
-// One random sequence of operations for every kind of file, against a plain vector of bytes.
-void BehavesAsBytes(CFile& file, unsigned seed)
+// A random sequence of operations, against a plain string of bytes.
+void BehavesAsBytes(CFile& file)
 {
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    RandomSource random;
     std::string model;
     std::size_t position = 0;
     for (int step = 0; step < 500; ++step) {
-        const std::size_t count = random() % 300;
-        switch (random() % 5) {
-        case 0:
-        case 1: {
-            const std::string text(count, static_cast<char>(random()));
+        const auto count = static_cast<std::size_t>(random.From(0, 299));
+        const int action = random.From(0, 4);
+        if (action < 2) {
+            const std::string text(count, static_cast<char>('a' + step % 26));
             file.Write(text.data(), count);
-            if (count == 0)
-                break;
-            model.resize(std::max(model.size(), position + count));
-            model.replace(position, count, text);
+            model.resize(std::max(model.size(), count > 0 ? position + count : 0));
+            model.replace(std::min(position, model.size()), count, text);
             position += count;
-            break;
-        }
-        case 2: {
+        } else if (action == 2) {
             std::string got(count, '\0');
             got.resize(file.Read(got.data(), count));
-            const std::string wanted = position < model.size() ? model.substr(position, count) : "";
-            ASSERT_TRUE(got == wanted);
-            position += wanted.size();
-            break;
-        }
-        case 3: {
-            const auto from = static_cast<UINT>(random() % 3);
-            const std::size_t origin = from == 0 ? 0 : from == 1 ? position : model.size();
-            const int64 offset = static_cast<int64>(random() % 1000) - 300;
-            const int64 target = static_cast<int64>(origin) + offset;
-            if (target < 0) {
-                EXPECT_THROW(file.Seek(offset, from), CFileException);
-                break;
-            }
-            ASSERT_EQ(file.Seek(offset, from), static_cast<uint64>(target));
-            position = static_cast<std::size_t>(target);
-            break;
-        }
-        default:
+            ASSERT_EQ(got, position < model.size() ? model.substr(position, count) : "");
+            position += got.size();
+        } else if (action == 3) {
+            const std::size_t origins[] = {0, position, model.size()};
+            const int from = random.From(0, 2);
+            const int64 target = static_cast<int64>(origins[from]) + random.From(-300, 699);
+            const auto seek = [&] {
+                return file.Seek(target - static_cast<int64>(origins[from]), static_cast<UINT>(from));
+            };
+            if (target < 0)
+                EXPECT_THROW(seek(), CFileException);
+            else
+                ASSERT_EQ(position = seek(), static_cast<uint64>(target));
+        } else {
             file.SetLength(count * 3);
             model.resize(count * 3);
             position = model.size();
@@ -65,60 +54,53 @@ void BehavesAsBytes(CFile& file, unsigned seed)
         ASSERT_EQ(file.GetLength(), model.size());
     }
     file.SeekToBegin();
-    std::string all(model.size(), '\0');
-    ASSERT_EQ(file.Read(all.data(), all.size()), all.size());
-    EXPECT_TRUE(all == model);
+    std::string all(model.size() + 1, '\0');
+    all.resize(file.Read(all.data(), all.size()));
+    EXPECT_EQ(all, model);
 }
 
 TEST(File, EveryKindOfFileHoldsBytesAlike)
 {
     const TemporaryFolder folder;
-    const unsigned seed = std::random_device()();
-    CFile file(folder.Path("random").c_str(), CFile::modeCreate | CFile::modeReadWrite);
-    BehavesAsBytes(file, seed);
-    CMemFile memory;
-    BehavesAsBytes(memory, seed);
-    CMemFile smallSteps(1);
-    BehavesAsBytes(smallSteps, seed);
     BYTE bytes[1000];
-    CMemFile outgrown(bytes, sizeof bytes, 16);
-    BehavesAsBytes(outgrown, seed);
+    CFile onDisk(folder.Path("random").c_str(), CFile::modeCreate | CFile::modeReadWrite);
+    CMemFile memory, smallSteps(1), outgrown(bytes, sizeof bytes, 16);
+    for (CFile* file : {&onDisk, static_cast<CFile*>(&memory), static_cast<CFile*>(&smallSteps),
+                        static_cast<CFile*>(&outgrown)})
+        BehavesAsBytes(*file);
 }
 
 TEST(File, ModesDecideWhatOpenDoesWithWhatIsThere)
 {
     const TemporaryFolder folder;
-    struct Row {
+    constexpr UINT Create = CFile::modeCreate, Keep = CFile::modeCreate | CFile::modeNoTruncate;
+    const struct {
         UINT flags;
-        bool existing, opens;
-        const char* after; // once "new" is written, when it opens for writing
-    };
-    const Row rows[] = {
-        {CFile::modeRead, false, false, ""},
-        {CFile::modeWrite, false, false, ""},
-        {CFile::modeWrite, true, true, "newcontent"},
-        {CFile::modeReadWrite, true, true, "newcontent"},
-        {CFile::modeCreate | CFile::modeWrite, false, true, "new"},
-        {CFile::modeCreate | CFile::modeWrite, true, true, "new"},
-        {CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite, true, true, "newcontent"},
-        {CFile::modeCreate | CFile::modeNoTruncate | CFile::modeReadWrite, false, true, "new"},
-    };
-    int number = 0;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(++number);
-        const std::string name = std::to_string(number), path = folder.Path(name);
+        bool existing;
+        const char* after; // once "new" is written; nullptr where it does not open
+    } rows[] = {{CFile::modeRead, false, nullptr},
+                {CFile::modeWrite, false, nullptr},
+                {CFile::modeWrite, true, "newcontent"},
+                {CFile::modeReadWrite, true, "newcontent"},
+                {Create | CFile::modeWrite, false, "new"},
+                {Create | CFile::modeWrite, true, "new"},
+                {Keep | CFile::modeWrite, true, "newcontent"},
+                {Keep | CFile::modeReadWrite, false, "new"}};
+    for (const auto& row : rows) {
+        const std::string name = std::to_string(&row - rows);
+        SCOPED_TRACE(name);
         if (row.existing)
             folder.Write(name, "oldcontent");
         CFile file;
         CFileException error;
-        ASSERT_EQ(file.Open(path.c_str(), row.flags | CFile::shareDenyNone, &error), row.opens);
-        EXPECT_EQ(file.IsOpen(), row.opens);
-        EXPECT_EQ(error.m_cause, row.opens ? CFileException::none : CFileException::fileNotFound);
-        if (!row.opens)
-            continue;
-        file.Write("new", 3);
+        const bool opens = row.after != nullptr;
+        ASSERT_EQ(file.Open(folder.Path(name).c_str(), row.flags | CFile::shareDenyNone, &error), opens);
+        EXPECT_EQ(file.IsOpen(), opens);
+        EXPECT_EQ(error.m_cause, opens ? CFileException::none : CFileException::fileNotFound);
+        if (opens)
+            file.Write("new", 3);
         file.Close();
-        EXPECT_EQ(folder.Read(name), row.after);
+        EXPECT_EQ(folder.Read(name), opens ? row.after : "");
     }
 }
 
@@ -144,7 +126,6 @@ TEST(File, FailuresNameTheFileAndTheReason)
     EXPECT_THROW(closed.GetLength(), CFileException);
     EXPECT_THROW(closed.Flush(), CFileException);
     closed.Close();
-    closed.Abort();
 }
 
 TEST(File, FilesAreNamedMovedAndRemoved)
@@ -158,6 +139,13 @@ TEST(File, FilesAreNamedMovedAndRemoved)
         EXPECT_EQ(file.GetFilePath(), path.c_str());
         EXPECT_EQ(file.GetFileName(), "report.old.txt");
         EXPECT_EQ(file.GetFileTitle(), "report.old");
+    }
+    {
+        CFile first(path.c_str(), CFile::modeRead | CFile::shareDenyNone), second;
+        CFileException error;
+        EXPECT_FALSE(second.Open(path.c_str(), CFile::modeRead | CFile::shareExclusive, &error));
+        EXPECT_EQ(error.m_cause, CFileException::sharingViolation);
+        EXPECT_TRUE(second.Open(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone));
     }
     CFileStatus status;
     ASSERT_TRUE(CFile::GetStatus(path.c_str(), status));
@@ -174,24 +162,6 @@ TEST(File, FilesAreNamedMovedAndRemoved)
     EXPECT_TRUE(status.m_readOnly);
     CFile::Remove(path.c_str());
     EXPECT_FALSE(std::filesystem::exists(path));
-}
-
-TEST(File, ArchivesGoThroughFilesOnDisk)
-{
-    const TemporaryFolder folder;
-    const std::string path = folder.Path("archive");
-    const CString text('x', 100000);
-    {
-        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
-        CArchive archive(&file, CArchive::store);
-        archive << 1 << text << 2;
-    }
-    CFile file(path.c_str(), CFile::modeRead);
-    CArchive archive(&file, CArchive::load);
-    int one = 0, two = 0;
-    CString loaded;
-    archive >> one >> loaded >> two;
-    EXPECT_TRUE(one == 1 && loaded == text && two == 2 && archive.GetBytesAhead() == 0);
 }
 
 TEST(MemFile, AttachedBytesStayTheirOwners)

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "NumberTextConv.h"
-#include "platform/Platform.h"
 #include "support/Table.h"
 #include "support/UserSettings.h"
 
@@ -21,6 +20,11 @@ std::string Formatted(const std::string& digits, const NUMBERFMTA& format)
     return text;
 }
 
+UINT Number(const std::string& cell)
+{
+    return static_cast<UINT>(std::stoul(cell));
+}
+
 struct Recorded {
     std::string digits, decimal, thousands, result;
     UINT grouping, order;
@@ -28,13 +32,12 @@ struct Recorded {
 
 std::vector<Recorded> TrustedRows()
 {
+    using Table::Unescaped;
     std::vector<Recorded> rows;
     for (const auto& cells : Table::Read("numberformat-answers.tsv"))
         if (cells[6] == "yes")
-            rows.push_back({Table::Unescaped(cells[0]), Table::Unescaped(cells[3]),
-                            Table::Unescaped(cells[4]), Table::Unescaped(cells[5]),
-                            static_cast<UINT>(std::stoul(cells[1])),
-                            static_cast<UINT>(std::stoul(cells[2]))});
+            rows.push_back({Unescaped(cells[0]), Unescaped(cells[3]), Unescaped(cells[4]),
+                            Unescaped(cells[5]), Number(cells[1]), Number(cells[2])});
     return rows;
 }
 
@@ -49,62 +52,19 @@ TEST(NumberFormat, IsTheRecordedOne)
             << row.digits << " by " << row.grouping;
 }
 
-struct Case {
-    const char* digits;
-    UINT places, leadingZero, grouping;
-    const char* result;
-};
-
 TEST(NumberFormat, OfEmptyGroupsFractionsAndZeros)
 {
-    const Case cases[] = {
-        {"123456789", 1, 0, 203, "1,234,567,,89.0"},
-        {"123456789", 1, 0, 2030, "1234,567,,89.0"},
-        {"123456789", 1, 0, 2003, "1,234,567,,,89.0"},
-        {"123456789", 1, 0, 1200, "123456,,78,9.0"},
-        {"123456789", 1, 0, 230, "1234,567,89.0"},
-        {"0", 0, 0, 3, "0"},
-        {"", 0, 0, 3, "0"},
-        {"000", 0, 1, 3, "0"},
-        {"0.5", 2, 1, 3, "0.50"},
-        {"0.5", 2, 0, 3, ".50"},
-        {"999.5", 0, 0, 3, "1,000"},
-        {"999.994", 2, 0, 3, "999.99"},
-        {"999.995", 2, 0, 3, "1,000.00"},
-        {"1234.5678", 9, 0, 3, "1,234.567800000"},
-        {"12", 10, 0, 3, "ERROR 87"},
-        {"12", 0, 2, 3, "ERROR 87"},
-    };
-    for (const Case& row : cases)
-        EXPECT_EQ(Formatted(row.digits, {row.places, row.leadingZero, row.grouping, ".", ",", 1}), row.result)
-            << row.digits << " by " << row.grouping;
-}
-
-// Groups of ones that take as long as they should, and nothing that depends on the length of the number.
-TEST(NumberFormat, OfAMillionDigits)
-{
-    const std::string digits(1'000'000, '7');
-    const std::string text = Formatted(digits, {0, 0, 1, ".", ",", 1});
+    for (const auto& cells : Table::Section("format")) {
+        const NUMBERFMTA format = {Number(cells[1]), Number(cells[2]), Number(cells[3]), ".", ",", 1};
+        EXPECT_EQ(Formatted(cells[0], format), cells[4]) << testing::PrintToString(cells);
+    }
+    // Nothing depends on the length of the number.
+    const std::string text = Formatted(std::string(1'000'000, '7'), {0, 0, 1, ".", ",", 1});
     EXPECT_EQ(text.size(), 1'999'999u);
     EXPECT_EQ(text.substr(0, 5), "7,7,7");
 }
 
-class GroupedText : public testing::Test {
-protected:
-    void Use(const std::string& name, const std::string& text)
-    {
-        HKEY key = nullptr;
-        ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Control Panel\\International", 0, nullptr, 0, KEY_WRITE,
-                                  nullptr, &key, nullptr),
-                  0);
-        EXPECT_EQ(RegSetValueExA(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                                 static_cast<DWORD>(text.size() + 1)),
-                  0);
-        RegCloseKey(key);
-    }
-
-    UserSettings m_user;
-};
+class GroupedText : public testing::Test, public UserSettings {};
 
 std::string GroupingText(UINT grouping)
 {
@@ -151,9 +111,9 @@ TEST_F(GroupedText, StaysWithinFourCharactersOfASeparatorAndPlainWhereTheFormIsN
 
 TEST_F(GroupedText, FollowsTheSettingsAtEachCallButKeepsTheSeparators)
 {
-    m_user.Set("LC_ALL", "de_DE.UTF-8");
+    Set("LC_ALL", "de_DE.UTF-8");
     EXPECT_EQ(NumberTextConv::NumberToString(1234567, true), "1.234.567");
-    m_user.Set("LC_ALL", "hi_IN.UTF-8");
+    Set("LC_ALL", "hi_IN.UTF-8");
     EXPECT_EQ(NumberTextConv::NumberToString(1234567, true), "12.34.567");
     Use("sGrouping", "0");
     EXPECT_EQ(NumberTextConv::NumberToString(1234567, true), "1234567");

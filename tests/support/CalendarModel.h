@@ -1,67 +1,52 @@
 // The calendar as a walk: slow, written down from the rules, for comparison.
 #pragma once
 
-#include <tuple>
+#include <vector>
 
 namespace CalendarModel {
 
-inline bool IsLeap(int year)
+inline bool IsYear(int year)
 {
-    if (year < 1 || year > 9999 || year % 4 != 0)
-        return false;
-    if (year < 1582)
-        return true;
-    return year % 100 != 0 || year % 400 == 0;
+    return year >= 1 && year <= 9999;
 }
 
-inline int CommonLength(int month)
+inline bool IsLeap(int year)
 {
-    switch (month) {
-    case 2:
-        return 28;
-    case 4:
-    case 6:
-    case 9:
-    case 11:
-        return 30;
-    default:
-        return 31;
-    }
+    return IsYear(year) && year % 4 == 0 && (year < 1582 || year % 100 != 0 || year % 400 == 0);
+}
+
+// All 31 days of October 1582, too.
+inline int UsualLength(int year, int month)
+{
+    if (month == 2)
+        return IsLeap(year) ? 29 : 28;
+    return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
 }
 
 inline int MonthLength(int year, int month)
 {
-    if (year < 1 || year > 9999 || month < 1 || month > 12)
+    if (!IsYear(year) || month < 1 || month > 12)
         return 0;
-    if (year == 1582 && month == 10)
-        return 21;
-    return CommonLength(month) + (month == 2 && IsLeap(year) ? 1 : 0);
-}
-
-inline bool Exists(int year, int month, int day)
-{
-    return day >= 1 && day <= MonthLength(year, month);
+    return year == 1582 && month == 10 ? 21 : UsualLength(year, month);
 }
 
 inline int DayOfYear(int year, int month, int day)
 {
-    if (!Exists(year, month, day))
+    if (day < 1 || day > MonthLength(year, month))
         return 0;
-    int sum = day;
-    for (int m = 1; m < month; ++m)
-        sum += CommonLength(m) + (m == 2 && IsLeap(year) ? 1 : 0);
-    if (year == 1582 && month >= 10 && day >= 15)
-        sum -= 10;
+    int sum = year == 1582 && month >= 10 && day >= 15 ? day - 10 : day;
+    while (--month > 0)
+        sum += UsualLength(year, month);
     return sum;
 }
 
 // The count of days as it is defined, the tenfold subtraction of 1582 included.
 inline int DayNumber(int year, int month, int day)
 {
-    if (!Exists(year, month, day))
+    const int dayOfYear = DayOfYear(year, month, day), before = year - 1;
+    if (dayOfYear == 0)
         return 0;
-    const int before = year - 1;
-    int n = 365 * before + before / 4 - before / 100 + before / 400 + DayOfYear(year, month, day);
+    int n = 365 * before + before / 4 - before / 100 + before / 400 + dayOfYear;
     n += before <= 1582 ? before / 100 - before / 400 : 12;
     return n > 577737 ? n - 10 : n;
 }
@@ -69,7 +54,7 @@ inline int DayNumber(int year, int month, int day)
 inline int LeapYearsInCentury(int year, int month)
 {
     int count = 0;
-    for (int y = year / 100 * 100; y <= (month == 1 || month == 2 ? year - 1 : year); ++y)
+    for (int y = year / 100 * 100; IsYear(year) && y <= (month == 1 || month == 2 ? year - 1 : year); ++y)
         count += IsLeap(y) ? 1 : 0;
     return count;
 }
@@ -85,20 +70,14 @@ inline int Weekday(int year, int month, int day)
     return sum % 7 + 1;
 }
 
-// A date that goes from day to day as day numbers are read: October 1582 has 21 days.
-struct Walker {
-    int year = 1, month = 1, day = 1;
-    void Next()
-    {
-        if (++day <= MonthLength(year, month))
-            return;
-        day = 1;
-        if (++month <= 12)
-            return;
-        month = 1;
-        ++year;
-    }
-    std::tuple<int, int, int> Date() const { return {year, month, day}; }
-};
+// The days of a month that fall on a weekday.
+inline std::vector<int> DaysOn(int weekday, int year, int month)
+{
+    std::vector<int> days;
+    for (int day = 1; day <= MonthLength(year, month); ++day)
+        if (Weekday(year, month, day) == weekday)
+            days.push_back(day);
+    return days;
+}
 
 } // namespace CalendarModel

@@ -1,30 +1,9 @@
-// Sets the process's time zone for one test and puts the old one back.
+// The process's time zone for one test.
 #pragma once
 
-#include <cstdlib>
-#include <string>
+#include "support/Environment.h"
 
-class TimeZone {
+class TimeZone : Environment {
 public:
-    explicit TimeZone(const char* zone)
-    {
-        if (const char* old = std::getenv("TZ")) {
-            m_old = old;
-            m_wasSet = true;
-        }
-        setenv("TZ", zone, 1);
-    }
-    ~TimeZone()
-    {
-        if (m_wasSet)
-            setenv("TZ", m_old.c_str(), 1);
-        else
-            unsetenv("TZ");
-    }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-
-private:
-    std::string m_old;
-    bool m_wasSet = false;
+    explicit TimeZone(const char* zone) { Set("TZ", zone); }
 };

@@ -2,52 +2,48 @@
 // back at the end.
 #pragma once
 
-#include <cstdlib>
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <map>
-#include <optional>
 #include <string>
 
 #include "LocaleUtils.h"
+#include "platform/Platform.h"
+#include "support/Environment.h"
+#include "support/TemporaryFolder.h"
 
-class UserSettings {
+class UserSettings : public Environment {
 public:
     UserSettings()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "kvt01XXXXXX").string();
-        m_folder = mkdtemp(name.data());
         for (const char* variable :
              {"LC_ALL", "LC_NUMERIC", "LC_MONETARY", "LC_TIME", "LC_MEASUREMENT", "LC_MESSAGES", "LANG"})
             Unset(variable);
-        Set("XDG_CONFIG_HOME", m_folder / "config");
+        Set("XDG_CONFIG_HOME", m_folder.Path("config"));
         ForgetSeparators();
     }
-    UserSettings(const UserSettings&) = delete;
-    UserSettings& operator=(const UserSettings&) = delete;
-    ~UserSettings()
-    {
-        for (const auto& [name, value] : m_before)
-            value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
-        ForgetSeparators();
-        std::filesystem::remove_all(m_folder);
-    }
+    ~UserSettings() { ForgetSeparators(); }
 
-    void Set(const std::string& variable, const std::string& value)
-    {
-        Remember(variable);
-        setenv(variable.c_str(), value.c_str(), 1);
-    }
-    void Unset(const std::string& variable)
-    {
-        Remember(variable);
-        unsetenv(variable.c_str());
-    }
-
-    const std::filesystem::path& Folder() const { return m_folder; }
-    std::filesystem::path Tree() const { return m_folder / "config/kvt01/HKEY_CURRENT_USER"; }
+    std::filesystem::path Folder() const { return m_folder.Path(); }
+    std::filesystem::path Tree() const { return m_folder.Path("config/kvt01/HKEY_CURRENT_USER"); }
     std::filesystem::path International() const { return Tree() / "Control Panel/International"; }
+
+    // A text in the registry, through the library.
+    static LSTATUS WriteText(HKEY key, const std::string& name, const std::string& text)
+    {
+        return RegSetValueExA(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                              static_cast<DWORD>(text.size() + 1));
+    }
+    static void Use(const std::string& name, const std::string& text,
+                    const char* path = "Control Panel\\International")
+    {
+        HKEY key = nullptr;
+        RegCreateKeyExA(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr);
+        EXPECT_EQ(WriteText(key, name, text), 0);
+        RegCloseKey(key);
+    }
 
     // As another process would: the file is written, and the library not told.
     static void WriteFile(const std::filesystem::path& file, const std::string& text)
@@ -62,20 +58,14 @@ public:
     }
 
 private:
-    void Remember(const std::string& variable)
-    {
-        const char* const value = std::getenv(variable.c_str());
-        m_before.try_emplace(variable, value == nullptr ? std::nullopt : std::optional<std::string>(value));
-    }
     static void ForgetSeparators()
     {
-        LocaleUtils::m_csCurrencySymbol.Empty();
-        LocaleUtils::m_csDecimalSeparator.Empty();
-        LocaleUtils::m_csThousandsSeparator.Empty();
-        LocaleUtils::m_csCurrencyDecimalSeparator.Empty();
-        LocaleUtils::m_csCurrencyThousandsSeparator.Empty();
+        for (CString* separator :
+             {&LocaleUtils::m_csCurrencySymbol, &LocaleUtils::m_csDecimalSeparator,
+              &LocaleUtils::m_csThousandsSeparator, &LocaleUtils::m_csCurrencyDecimalSeparator,
+              &LocaleUtils::m_csCurrencyThousandsSeparator})
+            separator->Empty();
     }
 
-    std::filesystem::path m_folder;
-    std::map<std::string, std::optional<std::string>> m_before;
+    TemporaryFolder m_folder;
 };
