@@ -6,6 +6,7 @@
 #include "FileUtils.h"
 #include "SerializeData.h"
 #include "TextArray.h"
+#include "persist/ContainerRecord.h"
 #include "persist/NamesOnDisk.h"
 #include "persist/TextRecord.h"
 
@@ -82,9 +83,9 @@ void MRUApplications::Serialize(CArchive& archive)
     archive >> version;
     if (version < LegacyProtected || version > Plain)
         throw CArchiveException(CArchiveException::badSchema);
+    const uint64 count = SerializeData::SerializeLoopCounter(archive, 0, version == LegacyProtected);
     std::vector<Entry> loaded; // grows as the entries arrive: the count is only a claim
-    for (uint64 left = SerializeData::SerializeLoopCounter(archive, 0, version == LegacyProtected); left > 0;
-         --left) {
+    for (std::size_t left = ContainerRecord::CheckedCount(count, loaded.max_size()); left > 0; --left) {
         Entry& entry = loaded.emplace_back();
         LoadText(archive, entry.name, version < Plain);
         LoadText(archive, entry.path, version < Plain);

@@ -2,12 +2,12 @@
 #pragma once
 
 #include "CArchive.h"
-#include "persist/ProtectedString.h"
+#include "Crypto.h"
 
 inline void LoadText(CArchive& archive, CString& text, bool isProtected)
 {
     if (isProtected)
-        LoadProtectedString(archive, text);
+        Crypto::Serialize(archive, text);
     else
         archive >> text;
 }
