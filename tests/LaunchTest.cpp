@@ -70,7 +70,7 @@ protected:
 
 TEST_F(Launch, StartsTheProgramInItsFolderWithItsArguments)
 {
-    const CString script = Script("show it", "pwd -P; for word; do echo \"<$word>\"; done; cat");
+    const CString script = Script("show \"it", "pwd -P; for word; do echo \"<$word>\"; done; cat");
     const std::string folder = std::filesystem::canonical(m_folder.MakeFolder("in here")).string();
     std::string backslashes = folder;
     std::replace(backslashes.begin(), backslashes.end(), '/', '\\');
@@ -123,34 +123,42 @@ std::string Lines(const std::string& text, const std::string& begin)
 
 TEST_F(Launch, GivesTheProgramNothingOfTheHosts)
 {
-    const CString script = Script("look", "ls -l /proc/$$/fd | sed 's/.* \\([0-9]* ->\\)/fd \\1/'; grep PPid "
-                                          "/proc/$$/status; grep Sig /proc/self/status");
-    // The host's files stay open in a program unless they are closed: this one is not marked for it.
-    const int open = ::open(m_folder.Write("secret", "").c_str(), O_RDONLY);
-    ASSERT_EQ(fcntl(open, F_DUPFD, 200), 200);
+    const CString script = Script("look", "ls -l /proc/$$/fd | sed 's/.* \\([0-9]* ->\\)/fd \\1/'");
+    // The host's files, its input too, stay open in a program unless they are closed: this one is not marked.
+    const int secret = open(m_folder.Write("secret", "").c_str(), O_RDONLY);
+    const int input = dup(0);
+    ASSERT_TRUE(fcntl(secret, F_DUPFD, 200) == 200 && dup2(secret, 0) == 0);
     const auto before = std::signal(SIGPIPE, SIG_IGN);
     sigset_t blocked, oldMask, nowMask;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGUSR1);
     pthread_sigmask(SIG_BLOCK, &blocked, &oldMask);
     ASSERT_TRUE(ExeUtils::LaunchApp(script));
-    const std::string said = AwaitSaid();
+    const std::string files = AwaitSaid();
+    ASSERT_TRUE(ExeUtils::LaunchApp("/bin/cp", "/proc/self/status state", m_folder.Path())); // its own state
+    std::string state;
+    for (int tries = 0; tries < 6000 && Lines(state, "nonvoluntary").empty(); ++tries) { // the last line
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        state = m_folder.Read("state");
+    }
     pthread_sigmask(SIG_SETMASK, &oldMask, &nowMask);
     std::signal(SIGPIPE, before);
-    close(open);
-    close(200);
+    dup2(input, 0);
+    for (const int file : {secret, input, 200})
+        close(file);
     EXPECT_TRUE(sigismember(&nowMask, SIGUSR1) && !sigismember(&nowMask, SIGTERM));
-    EXPECT_EQ(said.find("secret"), std::string::npos) << said;
-    EXPECT_NE(said.find("fd 0 -> /dev/null"), std::string::npos) << said;
-    EXPECT_EQ(Lines(said, "SigBlk") + Lines(said, "SigIgn"),
+    EXPECT_EQ(files.find("secret"), std::string::npos) << files;
+    EXPECT_NE(files.find("fd 0 -> /dev/null"), std::string::npos) << files;
+    EXPECT_EQ(Lines(state, "SigBlk") + Lines(state, "SigIgn"),
               "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n");
-    EXPECT_EQ(Lines(said, "PPid").find(":\t" + std::to_string(getpid()) + "\n"), std::string::npos);
+    EXPECT_NE(Lines(state, "NSsid"), "NSsid:\t" + std::to_string(getsid(0)) + "\n");
+    EXPECT_NE(Lines(state, "PPid"), "PPid:\t" + std::to_string(getpid()) + "\n");
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1); // the host has no child, not even a dead one
 }
 
 TEST_F(Launch, WorksWithoutStandardFilesAndFromManyThreads)
 {
-    const CString script(m_folder.Write("many", "#!/bin/sh\necho \"$1\" >>\"$0.log\"\n"));
+    const CString script(m_folder.Write("many", "#!/bin/sh\n: >&1 >&2\necho \"$1\" >>\"$0.log\"\n"));
     chmod(script, 0700);
     const int saved[] = {dup(0), dup(1), dup(2)};
     for (int file = 0; file < 3; ++file)
