@@ -8,8 +8,8 @@ class KVT01_API ExeUtils {
 public:
     // Starts a program and does not wait for it; it goes on when the host ends. True when it runs: false for
     // a path that is no program, a folder that cannot be entered, and a NUL inside one of the first three
-    // texts. The program gets the host's environment, and none of its files. What is started is the program
-    // itself: no command interpreter looks at the texts, so nothing in them is expanded.
+    // texts. The program gets the host's environment and, but for the output, none of its open files. It is
+    // started itself: no command interpreter looks at the texts, so nothing in them is expanded.
     //
     // A relative path starts from the host's current folder, also when another initial folder is given, and
     // no list of folders is searched. Without an initial folder the program begins in the host's own.

@@ -54,11 +54,13 @@ int KeepOnlyStandardFiles(int report) noexcept
     if (report != FirstBeyondStandard)
         dup3(report, FirstBeyondStandard, O_CLOEXEC);
     closefrom(FirstBeyondStandard + 1);
-    const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
+    const int nothing = open("/dev/null", O_RDWR); // may take the place of one that the caller has closed
     dup2(nothing, STDIN_FILENO);
     for (const int output : {STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(output, F_GETFD) < 0)
             dup2(nothing, output);
+    if (nothing > FirstBeyondStandard)
+        close(nothing);
     return FirstBeyondStandard;
 }
 
