@@ -43,7 +43,7 @@ inline constexpr WORD SW_SHOWMINIMIZED = 2;
 // The program is no child of the caller's but of the system's first process: nobody waits for it, and
 // `process` is all 0. It runs in a session of its own, with no input, the caller's output and error output,
 // none of the other open files, every signal at its default, and none blocked. The caller sees one SIGCHLD,
-// of a helper that is gone when the operation returns.
+// of an intermediary that is gone when the operation returns.
 BOOL CreateProcessA(const char* program, char* commandLine, void* processAttributes, void* threadAttributes,
                     BOOL inheritHandles, DWORD flags, void* environment, const char* folder,
                     STARTUPINFOA* startup, PROCESS_INFORMATION* process) noexcept;

@@ -1,6 +1,6 @@
-// Programs are started by a helper that the caller forks and that forks the program in turn. With the helper
-// gone, the program is nobody's child, so that it leaves no zombie and the caller's own handling of children
-// never meets it. A pipe that closes when the program begins tells the caller how it went.
+// Programs are started by an intermediary that the caller forks and that forks the program in turn. With the
+// intermediary gone, the program is nobody's child, so that it leaves no zombie and the caller's own handling
+// of children never meets it. A pipe that closes when the program begins tells the caller how it went.
 //
 // Between fork and exec only async-signal-safe functions are called: another thread of the caller may have
 // held any lock at that moment.
@@ -85,7 +85,7 @@ void ResetSignals() noexcept
     ReportAndExit(report, false);
 }
 
-[[noreturn]] void Help(const Launch& launch, int report) noexcept
+[[noreturn]] void Mediate(const Launch& launch, int report) noexcept
 {
     setsid();
     const pid_t program = _Fork();
@@ -116,13 +116,13 @@ private:
 };
 
 // _Fork, because it takes no locks and calls nothing that others registered for a fork.
-pid_t ForkHelper(const Launch& launch, int report) noexcept
+pid_t ForkIntermediary(const Launch& launch, int report) noexcept
 {
     const BlockedSignals blocked;
-    const pid_t helper = _Fork();
-    if (helper == 0)
-        Help(launch, report);
-    return helper;
+    const pid_t intermediary = _Fork();
+    if (intermediary == 0)
+        Mediate(launch, report);
+    return intermediary;
 }
 
 // The caller may have closed its standard files; the pipe must not take their places.
@@ -150,12 +150,13 @@ Failure Start(const Launch& launch) noexcept
     const FileDescriptor reading = BeyondStandard(FileDescriptor(ends[0]));
     FileDescriptor writing = BeyondStandard(FileDescriptor(ends[1]));
     const bool hasPipe = reading.IsOpen() && writing.IsOpen();
-    const pid_t helper = hasPipe ? ForkHelper(launch, writing.Get()) : -1;
-    if (helper < 0)
+    const pid_t intermediary = hasPipe ? ForkIntermediary(launch, writing.Get()) : -1;
+    if (intermediary < 0)
         return {false, errno};
     writing = FileDescriptor();
     const Failure failure = AwaitReport(reading.Get());
-    while (waitpid(helper, nullptr, 0) < 0 && errno == EINTR) // another error: somebody else waited for it
+    while (waitpid(intermediary, nullptr, 0) < 0 &&
+           errno == EINTR) // another error: somebody else waited for it
         ;
     return failure;
 }
