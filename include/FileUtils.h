@@ -52,4 +52,9 @@ public:
     // Parts are looked up ignoring case, an exact match first, each by itself: what lies below it decides
     // nothing. A path that does not exist in any letter case comes back as it is.
     static CString GetCaseSensitiveFilePath(const CString& path);
+
+    // ---- what a program file says of itself -------------------------------------------------------------
+    // A text of its version information in the first language there: "FileDescription", "ProductName", ...
+    // Empty without one, so for every file on systems whose programs carry none.
+    static CString GetVersionText(const CString& path, const CString& field);
 };

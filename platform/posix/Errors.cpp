@@ -47,9 +47,11 @@ constexpr Pair Pairs[] = {
     {ESPIPE, ERROR_SEEK_ON_DEVICE, "The file pointer cannot be set on the specified device or file."},
     {ENOTEMPTY, ERROR_DIR_NOT_EMPTY, "The directory is not empty."},
     {EEXIST, ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
+    {ENOEXEC, ERROR_BAD_EXE_FORMAT, "%1 is not a valid Win32 application."},
     {-1, ERROR_DIRECTORY, "The directory name is invalid."},
     {EFAULT, ERROR_NOACCESS, "Invalid access to memory location."},
     {EIO, ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
+    {-1, ERROR_RESOURCE_TYPE_NOT_FOUND, "The specified resource type cannot be found in the image file."},
     {ELOOP, ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
 };
 

@@ -37,9 +37,11 @@ inline constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 inline constexpr DWORD ERROR_SEEK_ON_DEVICE = 132;
 inline constexpr DWORD ERROR_DIR_NOT_EMPTY = 145;
 inline constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+inline constexpr DWORD ERROR_BAD_EXE_FORMAT = 193;
 inline constexpr DWORD ERROR_DIRECTORY = 267;
 inline constexpr DWORD ERROR_NOACCESS = 998;
 inline constexpr DWORD ERROR_IO_DEVICE = 1117;
+inline constexpr DWORD ERROR_RESOURCE_TYPE_NOT_FOUND = 1813;
 inline constexpr DWORD ERROR_CANT_RESOLVE_FILENAME = 1921;
 DWORD GetLastError() noexcept;
 void SetLastError(DWORD error) noexcept;
@@ -56,5 +58,7 @@ int _stricmp(const char* a, const char* b) noexcept;
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixLocale.h"
 #include "platform/posix/PosixLocks.h"
+#include "platform/posix/PosixProcesses.h"
 #include "platform/posix/PosixRegistry.h"
 #include "platform/posix/PosixTime.h"
+#include "platform/posix/PosixVersionInfo.h"
