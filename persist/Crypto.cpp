@@ -48,15 +48,15 @@ CString AssemblePassPhrase()
 
 // Cuts decrypted characters to the text that they begin with. True if they are what encryption makes of that
 // text: the text and, up to the next whole block, padding. The cipher maps different characters to different
-// bytes, so encrypting the text again and comparing could only confirm this answer.
+// bytes, so encrypting the text again and comparing could only confirm this answer. (Of no text it makes
+// nothing, and there is a block at least.)
 bool CutToText(CString& characters)
 {
     const char* const begin = characters.GetString();
     const char* const end = characters.end();
     const char* const padding = std::strchr(begin, PaddingCharacter); // none behind a NUL
     const char* const textEnd = padding != nullptr ? padding : begin + std::strlen(begin);
-    const bool isConfirmed = textEnd != begin &&
-                             end - textEnd < static_cast<std::ptrdiff_t>(Aes::BlockSize) &&
+    const bool isConfirmed = end - textEnd < static_cast<std::ptrdiff_t>(Aes::BlockSize) &&
                              std::all_of(textEnd, end, [](char c) { return c == PaddingCharacter; });
     characters.Truncate(static_cast<int>(textEnd - begin));
     return isConfirmed;

@@ -188,7 +188,7 @@ std::vector<string> PlainTexts(std::mt19937& random)
         std::replace(text.begin(), text.end(), '0', '\0');
         std::replace(text.begin(), text.end(), 'P', '\xA4');
     }
-    for (std::size_t length = 0; length < 600; length += length < 70 ? 1 : random() % 200) {
+    for (std::size_t length = 0; length < 600; length += length < 50 ? 1 : random() % 200) {
         texts.emplace_back(length, 'n');
         for (const unsigned rare : {3u, 100u}) // one in so many is a byte that ends texts
             for (char& c : texts.emplace_back(length, '\0'))
