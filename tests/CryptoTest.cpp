@@ -223,12 +223,12 @@ TEST_F(CryptoTest, RecordsOfTheBuiltInPhraseNeverChange)
         {"0123456789abcdefg", "0100 2000 07c669f27aea26bcbf3f1b7aff9dd5cd868b84d20bce8ca1e12b50a611d5f8ee"},
         {"", "0000 00"},
         {"a\xA4z", "0000 03 61a47a"}};
-    for (auto [text, record] : rows)
+    for (const auto& row : rows)
         for (int object = 0; object < 2; ++object, Crypto::DeleteInstance()) {
-            CString loaded = "before";
+            CString text = row.first, loaded = "before";
             EXPECT_EQ(HexOf(StoredBy([&](CArchive& archive) { Crypto::Serialize(archive, text); })),
-                      HexOf(BytesOf(record)));
-            LoadFrom(BytesOf(record), [&](CArchive& archive) { Crypto::Serialize(archive, loaded); });
+                      HexOf(BytesOf(row.second)));
+            LoadFrom(BytesOf(row.second), [&](CArchive& archive) { Crypto::Serialize(archive, loaded); });
             EXPECT_EQ(loaded, text);
         }
 }
