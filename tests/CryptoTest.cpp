@@ -169,9 +169,6 @@ private:
         FailureMarkers::SetSink([](const CString& line) { s_lines.emplace_back(line.View()); });
 };
 
-const char* const Keys[] = {"sixteen-letters!", "twenty-four-letters-here",
-                            "thirty-two-letters-in-this-phras", "seventeen-letters"};
-
 // Where a text ends, and whether what follows it is what encryption adds: 0 and P stand for the bytes that
 // end texts.
 constexpr const char* Patterns =
