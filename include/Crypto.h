@@ -13,13 +13,13 @@
 //
 // Warning: storing with Serialize writes the plain text into the application log, while there is one.
 //
-// Failures are answers (an empty result, false) and marker lines in the application log; nothing throws but
-// Serialize, what the archive throws. The cipher runs at the speed of the processor's AES instructions where
-// it has them; a check costs no second pass of the cipher. One thread at a time.
+// Failures are answers (an empty result, false) and marker lines in the application log. Nothing throws but
+// Serialize: what the archive throws, and std::bad_alloc. The cipher runs at the speed of the processor's AES
+// instructions where it has them, and the check of a decryption costs a look at the text, not the cipher once
+// more. All operations share one object, so one thread at a time may use any of them.
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 #include "BasicTypes.h"
 #include "CByteArray.h"
@@ -42,10 +42,9 @@ public:
     // Encrypts without a check; an empty text gives an empty array. The output is replaced.
     static void Encrypt(const CString& text, CByteArray& out);
 
-    // The text, if encrypting it would give exactly these bytes. Of other bytes the text that they decrypt to
-    // is given nevertheless, with a marker line that shows the bytes: empty when their number is no multiple
-    // of
-    // 16. A null pointer or a count below 1 gives an empty text and no line.
+    // The text, if encrypting it would give exactly these bytes. Otherwise, with a marker line that shows the
+    // bytes, still the text that they decrypt to; bytes whose number is no multiple of 16 decrypt to nothing.
+    // A null pointer or a count below 1 gives an empty text and no line.
     static CString Decrypt(const CByteArray& in);
     static CString Decrypt(const unsigned char* bytes, int count);
 
@@ -71,9 +70,10 @@ protected:
     // The next multiple of 16, n itself if it is one; modulo 2^64, so that the last 15 values give 0.
     uint64 GetNextEvenBlockSize(uint64 n) const;
 
-    // The checked forms, with up to ten attempts. Neither touches its output when there is no object, nor the
-    // first for an empty text. The first gives an empty array for a text that would not come back whole, up
-    // to its last NUL; the second gives the text whether it passes or not, as with Decrypt.
+    // The checked forms, with up to ten attempts. Neither touches its output when there is no object, and the
+    // first leaves it alone for an empty text. A text that does not come back exactly, with all that stands
+    // behind a NUL in it, gives an empty array and a marker line with the text. The second form answers with
+    // what the bytes decrypt to, confirmed or not, as Decrypt does.
     static void DoVerifiedEncryption(const CString& text, CByteArray& out);
     static void DoVerifiedDecryption(const CByteArray& in, CString& out);
 
@@ -81,8 +81,9 @@ private:
     struct Cipher;
     enum class Outcome { Failed, Unconfirmed, Confirmed };
 
-    void EncryptBlocks(std::string_view text, BYTE* out) const;
     Outcome DecryptAndCheck(const CByteArray& in, CString& out);
+    static void StoreRecord(CArchive& archive, const CString& text);
+    static void LoadRecord(CArchive& archive, CString& text);
 
     std::unique_ptr<Cipher> m_cipher;
 };

@@ -96,10 +96,11 @@ __attribute__((target("aes"))) void EncryptByInstructions(const KeySchedule& key
 __attribute__((target("aes"))) void DecryptByInstructions(const KeySchedule& keys, Block& chain,
                                                           const BYTE* in, BYTE* out, std::size_t blocks)
 {
-    constexpr std::size_t AtOnce = 8;
     __m128i last = Load(chain.data());
-    for (; blocks >= AtOnce; blocks -= AtOnce, in += AtOnce * BlockSize, out += AtOnce * BlockSize)
-        last = DecryptBlocks<AtOnce>(keys, last, in, out);
+    for (; blocks >= 8; blocks -= 8, in += 8 * BlockSize, out += 8 * BlockSize)
+        last = DecryptBlocks<8>(keys, last, in, out);
+    for (; blocks >= 4; blocks -= 4, in += 4 * BlockSize, out += 4 * BlockSize)
+        last = DecryptBlocks<4>(keys, last, in, out);
     for (; blocks > 0; --blocks, in += BlockSize, out += BlockSize)
         last = DecryptBlocks<1>(keys, last, in, out);
     Store(chain.data(), last);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <stdexcept>
+#include <string_view>
 
 #include "CArchive.h"
 #include "NumberTextConv.h"
@@ -22,21 +24,42 @@ std::size_t SizeOf(const CByteArray& bytes)
     return static_cast<std::size_t>(bytes.GetSize());
 }
 
-// One by one, around a middle that is stored turned by its place: no search for texts finds it in the
-// library.
+const BYTE* BytesOf(std::string_view text)
+{
+    return reinterpret_cast<const BYTE*>(text.data());
+}
+
+// Sixteen characters, one by one around a middle that is stored scrambled: the library holds no literal of
+// them. Every record that was ever stored depends on these characters.
 CString AssemblePassPhrase()
 {
     constexpr BYTE Middle[] = {0x2F, 0x11, 0x68, 0x24, 0x37, 0x13};
-    constexpr BYTE Turn = 0x5B;
+    constexpr BYTE Scramble = 0x5B;
     CString phrase;
-    for (const char c : {'q', '7', 'V', 'd', ')'})
-        phrase += c;
+    for (const int c : {0x71, 0x37, 0x56, 0x64, 0x29})
+        phrase += static_cast<char>(c);
     BYTE place = 0;
     for (const BYTE scrambled : Middle)
-        phrase += static_cast<char>(scrambled ^ Turn ^ place++);
-    for (const char c : {'w', '8', 't', 'L', 'x'})
-        phrase += c;
+        phrase += static_cast<char>(scrambled ^ Scramble ^ place++);
+    for (const int c : {0x77, 0x38, 0x74, 0x4C, 0x78})
+        phrase += static_cast<char>(c);
     return phrase;
+}
+
+// Cuts decrypted characters to the text that they begin with. True if they are what encryption makes of that
+// text: the text and, up to the next whole block, padding. The cipher maps different characters to different
+// bytes, so encrypting the text again and comparing could only confirm this answer. (Of no text it makes
+// nothing, and there is a block at least.)
+bool CutToText(CString& characters)
+{
+    const char* const begin = characters.GetString();
+    const char* const end = characters.end();
+    const char* const padding = std::strchr(begin, PaddingCharacter); // none behind a NUL
+    const char* const textEnd = padding != nullptr ? padding : begin + std::strlen(begin);
+    const bool isConfirmed = end - textEnd < static_cast<std::ptrdiff_t>(Aes::BlockSize) &&
+                             std::all_of(textEnd, end, [](char c) { return c == PaddingCharacter; });
+    characters.Truncate(static_cast<int>(textEnd - begin));
+    return isConfirmed;
 }
 
 // A marker line is never worth an exception: one that cannot be made is left out.
@@ -74,6 +97,8 @@ void ReportTag(const char* tag) noexcept
 
 // ---- the cipher with its key ------------------------------------------------------------------------------
 
+// Each use begins with a working chain block of its own, a copy of the initial one: equal texts give equal
+// bytes.
 struct Crypto::Cipher {
     bool isKeySet = false;
     std::size_t keyLength = 0; // bytes
@@ -82,20 +107,53 @@ struct Crypto::Cipher {
     Aes::Block initialChain{};
     Aes::Implementation implementation = Aes::UsableImplementations().front();
 
-    void MakeKey(std::span<const BYTE> key);
+    void MakeKey(std::string_view passPhrase);
     bool CanProcess(std::size_t size) const { return isKeySet && blockSize != 0 && size % blockSize == 0; }
+    void Encrypt(std::string_view text, BYTE* out) const;
+    void Decrypt(const CByteArray& in, CString& out) const;
 };
 
-void Crypto::Cipher::MakeKey(std::span<const BYTE> key)
+void Crypto::Cipher::MakeKey(std::string_view passPhrase)
 {
     isKeySet = false;
-    if (Aes::RoundsFor(key.size()) == 0)
+    if (Aes::RoundsFor(passPhrase.size()) == 0)
         return;
-    keyLength = key.size();
+    keyLength = passPhrase.size();
     blockSize = Aes::BlockSize;
     initialChain = {};
-    keys = Aes::ExpandKey(key);
+    keys = Aes::ExpandKey({BytesOf(passPhrase), keyLength});
     isKeySet = true;
+}
+
+// The whole blocks are read where they stand; the rest, if there is one, from a copy that is filled up.
+// Without a key the output stays as it is, which is zeros.
+void Crypto::Cipher::Encrypt(std::string_view text, BYTE* out) const
+{
+    if (!isKeySet)
+        return;
+    const std::size_t wholeBlocks = text.size() / Aes::BlockSize;
+    const std::size_t whole = wholeBlocks * Aes::BlockSize;
+    Aes::Block chain = initialChain;
+    implementation.encrypt(keys, chain, BytesOf(text), out, wholeBlocks);
+    if (whole == text.size())
+        return;
+    Aes::Block last;
+    last.fill(static_cast<BYTE>(PaddingCharacter));
+    text.copy(reinterpret_cast<char*>(last.data()), Aes::BlockSize, whole);
+    implementation.encrypt(keys, chain, last.data(), out + whole, 1);
+}
+
+// A whole number of blocks into as many characters.
+void Crypto::Cipher::Decrypt(const CByteArray& in, CString& out) const
+{
+    const std::size_t size = SizeOf(in);
+    if (size > static_cast<std::size_t>(CString::MaxLength))
+        throw std::length_error("decrypted text is too long");
+    char* const characters = out.GetBuffer(static_cast<int>(size));
+    Aes::Block chain = initialChain;
+    implementation.decrypt(keys, chain, in.GetData(), reinterpret_cast<BYTE*>(characters),
+                           size / Aes::BlockSize);
+    out.ReleaseBuffer(static_cast<int>(size));
 }
 
 // ---- the object -------------------------------------------------------------------------------------------
@@ -128,8 +186,7 @@ bool Crypto::DeriveKey(const CString& passPhrase)
 {
     if (m_cipher == nullptr)
         return false;
-    const std::string_view phrase = passPhrase.View();
-    m_cipher->MakeKey({reinterpret_cast<const BYTE*>(phrase.data()), phrase.size()});
+    m_cipher->MakeKey(passPhrase.View());
     return true;
 }
 
@@ -148,29 +205,10 @@ void Crypto::Encrypt(const CString& text, CByteArray& out)
         return;
     try {
         out.SetSize(static_cast<CByteArray::Index>(crypto->GetNextEvenBlockSize(text.View().size())));
-    } catch (...) {
+    } catch (...) { // no memory
         return ReportTag("{ECF33FEB-5312-4BC0-86F4-50148681CC64}");
     }
-    crypto->EncryptBlocks(text.View(), out.GetData());
-}
-
-// The whole blocks are read where they stand; the last one, if there is more, from a filled-up copy.
-void Crypto::EncryptBlocks(std::string_view text, BYTE* out) const
-{
-    const Cipher& cipher = *m_cipher;
-    if (!cipher.isKeySet)
-        return;
-    const auto* const in = reinterpret_cast<const BYTE*>(text.data());
-    const std::size_t wholeBlocks = text.size() / Aes::BlockSize;
-    const std::size_t whole = wholeBlocks * Aes::BlockSize;
-    Aes::Block chain = cipher.initialChain;
-    cipher.implementation.encrypt(cipher.keys, chain, in, out, wholeBlocks);
-    if (whole == text.size())
-        return;
-    Aes::Block last;
-    last.fill(static_cast<BYTE>(PaddingCharacter));
-    std::copy(in + whole, in + text.size(), last.begin());
-    cipher.implementation.encrypt(cipher.keys, chain, last.data(), out + whole, 1);
+    crypto->m_cipher->Encrypt(text.View(), out.GetData());
 }
 
 bool Crypto::DecryptText(const CByteArray& in, CString& out)
@@ -178,39 +216,22 @@ bool Crypto::DecryptText(const CByteArray& in, CString& out)
     return DecryptAndCheck(in, out) != Outcome::Failed;
 }
 
-// What encryption makes of a text is decrypted to the text and, up to the next whole block, padding. As the
-// cipher maps different plain bytes to different encrypted ones, it is enough to look whether that is so:
-// encrypting the text again could only confirm it.
 Crypto::Outcome Crypto::DecryptAndCheck(const CByteArray& in, CString& out)
 {
     out.Empty();
     if (m_cipher == nullptr || in.IsEmpty())
         return Outcome::Failed;
-    const std::size_t size = SizeOf(in);
-    if (!m_cipher->CanProcess(size)) {
+    if (!m_cipher->CanProcess(SizeOf(in))) {
         ReportTag("{C62DD933-D273-457B-90A4-3F2261AEA3A8}");
         return Outcome::Failed;
     }
     try {
-        if (size > static_cast<std::size_t>(CString::MaxLength))
-            throw std::bad_alloc();
-        char* const plain = out.GetBuffer(static_cast<int>(size));
-        Aes::Block chain = m_cipher->initialChain;
-        m_cipher->implementation.decrypt(m_cipher->keys, chain, in.GetData(), reinterpret_cast<BYTE*>(plain),
-                                         size / Aes::BlockSize);
-        plain[size] = '\0';
-        const char* const padding = std::strchr(plain, PaddingCharacter);
-        const std::size_t length =
-            padding != nullptr ? static_cast<std::size_t>(padding - plain) : std::strlen(plain);
-        const bool isWhole =
-            length > 0 && size - length < Aes::BlockSize &&
-            std::all_of(plain + length, plain + size, [](char c) { return c == PaddingCharacter; });
-        out.ReleaseBuffer(static_cast<int>(length));
-        return isWhole ? Outcome::Confirmed : Outcome::Unconfirmed;
-    } catch (...) {
+        m_cipher->Decrypt(in, out);
+    } catch (...) { // no memory, or more than a string can hold
         ReportTag("{335911F7-4C61-4613-8853-13764DDE7704}");
         return Outcome::Failed;
     }
+    return CutToText(out) ? Outcome::Confirmed : Outcome::Unconfirmed;
 }
 
 // ---- with a check -----------------------------------------------------------------------------------------
@@ -288,30 +309,45 @@ void LoadBytes(CArchive& archive, CByteArray& bytes)
     }
 }
 
+void StoreBytes(CArchive& archive, const CByteArray& bytes)
+{
+    archive.WriteCount(static_cast<uint64>(bytes.GetSize()));
+    archive.Write(bytes.GetData(), SizeOf(bytes));
+}
+
 } // namespace
 
 void Crypto::Serialize(CArchive& archive, CString& text)
 {
+    if (archive.IsStoring())
+        StoreRecord(archive, text);
+    else
+        LoadRecord(archive, text);
+}
+
+void Crypto::StoreRecord(CArchive& archive, const CString& text)
+{
+    // The plain text in the log: whoever reads logs for it depends on the line.
+    ReportText("{42911D20-38E8-4BC4-B068-BF803FD3DEA7}", text);
     CByteArray bytes;
-    if (archive.IsStoring()) {
-        // The plain text in the log: whoever reads logs for it depends on the line.
-        ReportText("{42911D20-38E8-4BC4-B068-BF803FD3DEA7}", text);
-        DoVerifiedEncryption(text, bytes);
-        if (bytes.IsEmpty()) {
-            archive << WORD{Plain} << text;
-            return;
-        }
-        archive << WORD{Encrypted};
-        archive.WriteCount(static_cast<uint64>(bytes.GetSize()));
-        archive.Write(bytes.GetData(), SizeOf(bytes));
+    DoVerifiedEncryption(text, bytes);
+    if (bytes.IsEmpty()) {
+        archive << WORD{Plain} << text;
         return;
     }
+    archive << WORD{Encrypted};
+    StoreBytes(archive, bytes);
+}
+
+void Crypto::LoadRecord(CArchive& archive, CString& text)
+{
     WORD flag = Plain;
     archive >> flag;
     if (flag != Encrypted) {
         archive >> text;
         return;
     }
+    CByteArray bytes;
     LoadBytes(archive, bytes);
     DoVerifiedDecryption(bytes, text);
 }

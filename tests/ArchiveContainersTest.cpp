@@ -314,6 +314,7 @@ TEST(ArchiveContainers, ProtectedKeysMatterInVersionOneOnly)
     const std::pair<std::string, bool> rows[] = {
         {current, false},
         {"0100 0200000000000000 01000000 01 61 02000000 0000 01 62", false}, // flag 0: plain
+        {"0100 0200000000000000 01000000 01 61 02000000 0100 1000 fd4fbd9aabe269f05709321db75a6855", false},
         {"0300 0200000000000000 01000000 01 61 02000000 01 62", false},
         {"02000000 01000000 01 61 02000000 01 62", true},
     };
@@ -336,7 +337,8 @@ TEST(ArchiveContainers, EncryptedFormsStoreInClearAndLoadRecords)
                   SerializeData::SerializeEncrypted(archive, map);
               })),
               HexOf(BytesOf("0100 0200000000000000 01 61 01 62 0100 0100000000000000 01 61 01000000")));
-    LoadFrom(BytesOf("0100 0200000000000000 0000 01 63 0200 01 64 01000000 0000 01 65 05000000"),
+    LoadFrom(BytesOf("0100 0200000000000000 0100 1000 5e9afbeb64916af0b250c04079ee9f2d 0200 01 64 01000000 "
+                     "0100 1000 5f9d1a8d3eb884582c0708ce0ce7f9b4 05000000"),
              [&](CArchive& archive) {
                  SerializeData::SerializeEncrypted(archive, list); // any flag but 1 is a plain text
                  SerializeData::SerializeEncrypted(archive, map, true);
@@ -384,9 +386,9 @@ TEST(TextArrayRecord, EveryVersionIsRead)
         {"0100 02000000 01 61 01 62", false},
         {"0100 02000000 01 61 01 62", true},
         {"0200 02000000 01 61 01 62", false},
-        {"0200 02000000 0000 01 61 0000 01 62", true},
+        {"0200 02000000 0000 01 61 0100 1000 fd4fbd9aabe269f05709321db75a6855", true},
         {"0300 0100 0200000000000000 01 61 01 62", false},
-        {"0300 0100 0200000000000000 0000 01 61 0000 01 62", true},
+        {"0300 0100 0200000000000000 0100 1000 ec24106160bdd9ce45acc154b8c61894 0000 01 62", true},
         {"0400 0100 0200000000000000 01 61 01 62", false},
         {"0400 0100 0200000000000000 01 61 01 62", true},
     };
