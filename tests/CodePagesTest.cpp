@@ -4,13 +4,16 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "framework/FailureMarkers.h"
 #include "platform/Platform.h"
+#include "platform/posix/IcuLoader.h"
 #include "support/Table.h"
 
 namespace {
@@ -411,6 +414,22 @@ TEST(CodePages, AllPagesOfOneBytePerCharacterGoThereAndBack)
         EXPECT_EQ(ToNarrow(page, u"\uFF21\uFF5E").hex, "417E") << page;
     }
     EXPECT_EQ(pages, 39);
+}
+
+// In a process of its own, as the module is looked for only once. Exits with 0 when all is as it should be.
+void ConvertWithoutTheModule()
+{
+    static int markers = 0;
+    IcuLoader::moduleFolder = [] { return std::string("/nowhere"); };
+    FailureMarkers::SetSink([](const CString&) { ++markers; });
+    const bool isProcessPage = ToWide(437, "\x80") == "20AC" && ToNarrow(1251, u"\u20AC").hex == "80";
+    std::exit(isProcessPage && ToWide(99, "a") == "ERROR 87" && markers == 1 ? 0 : 1);
+}
+
+TEST(CodePagesDeathTest, WithoutTheModuleAllPagesAreTheProcessPage)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(ConvertWithoutTheModule(), testing::ExitedWithCode(0), "");
 }
 
 // The published table of 1252 has 698 units.
