@@ -55,27 +55,6 @@ std::string Refused()
     return "false error=" + std::to_string(GetLastError());
 }
 
-// The file time for the words of the recording.
-uint64 UnitsOf(const std::string& what)
-{
-    const struct {
-        const char* words;
-        uint64 units;
-    } known[] = {{"0 (1601-01-01)", 0},
-                 {"last of year 9999", 0x24C85A5ED1C03FFF},
-                 {"last of year 30827", 0x7FFF35F4F06C7FFF},
-                 {"first of year 30828", 0x7FFF35F4F06C8000}};
-    for (const auto& row : known)
-        if (what == row.words)
-            return row.units;
-    if (what.find('-') == std::string::npos)
-        return std::stoull(what, nullptr, 0);
-    const SYSTEMTIME parts = PartsOf(what);
-    FILETIME time = {};
-    EXPECT_TRUE(SystemTimeToFileTime(&parts, &time)) << what; // whose own answers are compared as well
-    return UnitsOf(time);
-}
-
 std::string AskVariantToSystem(const Row& row)
 {
     SYSTEMTIME parts;
@@ -91,7 +70,7 @@ std::string AskSystemToVariant(const Row& row)
 
 std::string AskFileToSystem(const Row& row)
 {
-    const FILETIME time = FileTimeOf(UnitsOf(row.what));
+    const FILETIME time = FileTimeOf(std::stoull(row.what, nullptr, 0));
     SYSTEMTIME parts;
     return FileTimeToSystemTime(&time, &parts) ? TextOf(parts) : Refused();
 }
@@ -115,7 +94,7 @@ const char* RuleOf(const std::string& zone, bool isWinter)
 std::string AskShift(const Row& row)
 {
     const TimeZone zone(RuleOf(row.zone, true));
-    const FILETIME from = FileTimeOf(UnitsOf(row.what));
+    const FILETIME from = FileTimeOf(std::stoull(row.what, nullptr, 0));
     FILETIME to;
     const BOOL done = row.operation == "FileTimeToLocalFileTime" ? FileTimeToLocalFileTime(&from, &to)
                                                                  : LocalFileTimeToFileTime(&from, &to);
