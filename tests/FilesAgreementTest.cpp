@@ -119,14 +119,14 @@ std::string AskCreateFile(const Row& row)
 {
     const Place place;
     Parts parts;
-    if (Fits(row.what, "first (.*) share (.*), then (.*) share ([^,]*)(?:, )?(.*)", parts)) {
+    if (Fits(row.what, "first (.*) share (.*), then (.*) share ([^,]*)(, )?(.*)", parts)) {
         const HANDLE held = Open(place.Path(Plain), parts[0], parts[1]);
-        const DWORD disposition = parts[4].empty() ? OPEN_EXISTING : DispositionOf(parts[4]);
+        const DWORD disposition = parts[5].empty() ? OPEN_EXISTING : DispositionOf(parts[5]);
         const std::string answer = Opened(Open(place.Path(Plain), parts[2], parts[3], disposition));
         CloseHandle(held);
         return answer;
     }
-    if (!Fits(row.what, "(.*), (read|write|read.write), ([A-Z_]*|disposition .)(| with .*)", parts))
+    if (!Fits(row.what, "(.*), (read|write|read.write), ([A-Z_]*|disposition .)( with .*)?", parts))
         return "?";
     const DWORD attributes = Has(parts[3], "BACKUP") ? FILE_FLAG_BACKUP_SEMANTICS : FILE_ATTRIBUTE_NORMAL;
     const std::string path = place.Path(parts[0]);
@@ -148,11 +148,11 @@ std::string AskOpenFile(const Row& row)
     const HANDLE handle = what == "INVALID_HANDLE_VALUE" ? INVALID_HANDLE_VALUE
                           : what == "0"                  ? nullptr
                                                          : Open(place.Path(Plain), writes ? "write" : "read");
-    const LONG position = Fits(what, ".*at (\\d+).*", parts) ? std::stoi(parts[0])
-                          : Has(what, "at the end")          ? 10
-                                                             : 0;
+    const LONG position = Fits(what, ".*at ([0-9]+).*", parts) ? std::stoi(parts[0])
+                          : Has(what, "at the end")            ? 10
+                                                               : 0;
     SetFilePointer(handle, position, nullptr, FILE_BEGIN);
-    const LONG number = Fits(what, "(-?\\d+) .*", parts) ? std::stoi(parts[0]) : 1;
+    const LONG number = Fits(what, "(-?[0-9]+) .*", parts) ? std::stoi(parts[0]) : 1;
     char buffer[64] = "x";
     DWORD count = 99;
     std::string answer;
@@ -191,11 +191,11 @@ std::string AskNamed(const Row& row)
 {
     const Place place;
     Parts parts;
-    if (!Fits(row.what, "(.*?)(?: -> (.*?))?(,.*)?", parts))
+    if (!Fits(row.what, "([^,>]*)( -> ([^,]*))?(,.*)?", parts))
         return "?";
-    const std::string path = place.Path(parts[0]), to = place.Path(parts[1]);
-    const HANDLE held = Has(parts[2], "held") ? Open(path, "read") : INVALID_HANDLE_VALUE;
-    const BOOL failsIfThere = Has(parts[2], "fail if there") ? TRUE : FALSE;
+    const std::string path = place.Path(parts[0]), to = place.Path(parts[2]);
+    const HANDLE held = Has(parts[3], "held") ? Open(path, "read") : INVALID_HANDLE_VALUE;
+    const BOOL failsIfThere = Has(parts[3], "fail if there") ? TRUE : FALSE;
     std::string answer =
         row.operation == "GetFileAttributesA"
             ? AttributesOf(path)
@@ -256,7 +256,7 @@ std::string TempFiles(const std::string& what)
 std::string AskTempName(const Row& row)
 {
     Parts parts;
-    if (!Fits(row.what, "(.*), prefix (\\w+), unique (\\w+)", parts))
+    if (!Fits(row.what, "(.*), prefix ([A-Za-z]+), unique ([0-9A-Fx]+)", parts))
         return TempFiles(row.what);
     const Place place;
     const char* const prefix = parts[1] == "null" ? nullptr : parts[1] == "empty" ? "" : parts[1].c_str();

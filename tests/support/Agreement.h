@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <iostream>
 #include <map>
-#include <regex>
+#include <regex.h>
 #include <string>
 #include <vector>
 
@@ -18,12 +18,20 @@ using Parts = std::vector<std::string>; // of a text that fits a pattern: what s
 
 inline bool Fits(const std::string& text, const char* pattern, Parts& parts)
 {
-    static std::map<std::string, std::regex> made;
-    std::smatch match;
-    if (!std::regex_match(text, match, made.try_emplace(pattern, pattern).first->second))
+    regex_t expression;
+    const int failure = regcomp(&expression, ("^(" + std::string(pattern) + ")$").c_str(), REG_EXTENDED);
+    EXPECT_EQ(failure, 0) << pattern;
+    if (failure != 0)
         return false;
-    parts.assign(std::next(match.begin()), match.end());
-    return true;
+    regmatch_t found[10];
+    const bool fits = regexec(&expression, text.c_str(), std::size(found), found, 0) == 0;
+    parts.clear();
+    for (std::size_t i = 2; fits && i <= expression.re_nsub; ++i) {
+        const auto start = static_cast<std::size_t>(std::max(found[i].rm_so, 0));
+        parts.push_back(text.substr(start, static_cast<std::size_t>(found[i].rm_eo - found[i].rm_so)));
+    }
+    regfree(&expression);
+    return fits;
 }
 
 struct Row {
