@@ -160,20 +160,23 @@ TEST(CodePages, AgreeWithTheOriginalPlatform)
     EXPECT_GT(compared, 2500);
 }
 
-// The published table of 1252 has 698 units.
+// The published table of 1252 has 698 units, and the sum of unit times byte over them is this.
 TEST(CodePages, TheProcessPageHasAsManyLookalikesAsItsPublishedTable)
 {
     int found = 0, exact = 0;
+    unsigned long sum = 0;
     for (unsigned unit = 0; unit <= 0xFFFF; ++unit) {
         const Units text(1, static_cast<char16_t>(unit));
         const std::string byte = ToNarrow(CP_ACP, text),
                           strict = ToNarrow(CP_ACP, text, nullptr, WC_NO_BEST_FIT_CHARS);
         found += byte.size() == 2;
+        sum += byte.size() == 2 ? unit * std::stoul(byte, nullptr, 16) : 0;
         exact += strict.size() == 2;
         EXPECT_EQ(strict.size() == 2,
                   byte.size() == 2 && ToWide(CP_ACP, FromHex<std::string>(byte)) == HexOf(text));
     }
     EXPECT_EQ(found, 698);
+    EXPECT_EQ(sum, 644894325u);
     EXPECT_EQ(exact, 256);
 }
 

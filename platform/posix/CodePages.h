@@ -101,9 +101,10 @@ public:
     template <class From>
     std::size_t PutAscii(const From* text, std::size_t length) noexcept
     {
-        const std::size_t most =
-            m_buffer == nullptr ? length : std::min(length, m_room - std::min(m_count, m_room));
-        const std::size_t done = CopyAscii(text, most, m_buffer == nullptr ? nullptr : m_buffer + m_count);
+        const std::size_t left = m_room - std::min(m_count, m_room);
+        const std::size_t done = m_buffer == nullptr
+                                     ? CopyAscii<From, Unit>(text, length, nullptr)
+                                     : CopyAscii(text, std::min(length, left), m_buffer + (m_room - left));
         m_count += done;
         return done;
     }

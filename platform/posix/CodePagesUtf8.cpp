@@ -47,9 +47,10 @@ Piece PieceAt(const char* text, std::size_t length) noexcept
         return {Bad, 1};
     char32_t code = lead.bits;
     for (unsigned i = 1; i <= lead.following; ++i) {
-        if (i == length || (text[i] & 0xC0) != 0x80)
+        const auto byte = i < length ? static_cast<unsigned char>(text[i]) : 0u;
+        if ((byte & 0xC0) != 0x80)
             return {Bad, i};
-        code = code << 6 | (text[i] & 0x3Fu);
+        code = code << 6 | (byte & 0x3F);
         // The second byte tells already; it belongs to the bad piece.
         if (i == 1 && !MayStandFor(code << 6 * (lead.following - 1), lead.following))
             return {Bad, 2};
