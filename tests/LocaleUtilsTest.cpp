@@ -238,8 +238,7 @@ TEST_F(Locale, HasATwoDigitYearLimit)
 {
     EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 29);
     auto rows = Table::Section("limit of two digits");
-    rows.push_back({std::string(253, ' ') + "12", "12"});
-    rows.push_back({std::string(254, ' ') + "12", "29"}); // more than is read
+    rows.push_back({std::string(254, ' ') + "12", "12"});
     for (const auto& cells : rows) {
         Use("1", Unescaped(cells[0]), TwoDigitYears);
         EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), std::stoi(cells[1])) << cells[0];
@@ -247,7 +246,7 @@ TEST_F(Locale, HasATwoDigitYearLimit)
     const auto file = International() / "Calendars/TwoDigitYearMax/1";
     WriteFile(file, std::string(10'000'000, '1'));
     Use("another", "", TwoDigitYears); // so that the file is read again
-    EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 29);
+    EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 11);
     std::filesystem::remove(file);
     std::filesystem::create_directory(file);
     Use("another", "", TwoDigitYears);

@@ -50,6 +50,8 @@ constexpr Pair Pairs[] = {
     {ENOEXEC, ERROR_BAD_EXE_FORMAT, "%1 is not a valid Win32 application."},
     {-1, ERROR_DIRECTORY, "The directory name is invalid."},
     {EFAULT, ERROR_NOACCESS, "Invalid access to memory location."},
+    {-1, ERROR_NO_UNICODE_TRANSLATION,
+     "No mapping for the Unicode character exists in the target multi-byte code page."},
     {EIO, ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
     {-1, ERROR_RESOURCE_TYPE_NOT_FOUND, "The specified resource type cannot be found in the image file."},
     {ELOOP, ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
