@@ -1,6 +1,7 @@
 // Everything of the library at once.
 #pragma once
 
+#include "AppLogger.h"
 #include "BasicTypes.h"
 #include "CArchive.h"
 #include "CArchiveException.h"
@@ -20,6 +21,7 @@
 #include "CStringList.h"
 #include "DateEntry.h"
 #include "DateTime.h"
+#include "DebugUtils.h"
 #include "DirUtils.h"
 #include "FileTime.h"
 #include "FileUtils.h"

@@ -53,8 +53,10 @@ DWORD FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD langu
 // ---- text under the runtime's current locale ------------------------------------------------------------
 int _stricmp(const char* a, const char* b) noexcept;
 
+#include "platform/posix/PosixFileIdentity.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixLocale.h"
 #include "platform/posix/PosixLocks.h"
 #include "platform/posix/PosixRegistry.h"
+#include "platform/posix/PosixShell.h"
 #include "platform/posix/PosixTime.h"
