@@ -55,6 +55,44 @@ std::vector<bool> FoundInFile(const Lines& inFile, const Lines& ours)
     return isFound;
 }
 
+// Our lines that are not in the file, by the reason.
+struct Missing {
+    Lines fallenOut, lost, pending;
+};
+
+Missing MissingInFile(const Lines& inFile, const Lines& ours, const std::vector<bool>& isFound)
+{
+    Missing missing;
+    bool isBehindFound = false;
+    for (std::size_t i = 0; i < ours.size(); ++i) {
+        const bool isNewerThanFirst = !inFile.empty() && inFile.front().time < ours[i].time;
+        isBehindFound = isBehindFound || isFound[i];
+        if (isFound[i])
+            continue;
+        Lines& lines = ours[i].isPending                   ? missing.pending
+                       : isBehindFound && isNewerThanFirst ? missing.lost
+                                                           : missing.fallenOut;
+        lines.push_back(ours[i]);
+    }
+    return missing;
+}
+
+// Where the oldest of our lines that the file has stands in it; the file's end without one.
+Lines::const_iterator FirstCommon(const Lines& inFile, const Lines& ours, const std::vector<bool>& isFound)
+{
+    const auto found = std::find(isFound.begin(), isFound.end(), true) - isFound.begin();
+    if (found == std::ssize(ours))
+        return inFile.end();
+    const std::string_view bytes = ours[static_cast<std::size_t>(found)].bytes;
+    return std::find_if(inFile.begin(), inFile.end(), [&](const Line& line) { return line.bytes == bytes; });
+}
+
+void Append(LogEntries& entries, const Lines& lines)
+{
+    for (const Line& line : lines)
+        entries.AddEncoded(line.bytes, line.isPending);
+}
+
 } // namespace
 
 LogEntries LogMerge::Merged(const LogEntries& inFile, const LogEntries& ours)
@@ -62,14 +100,10 @@ LogEntries LogMerge::Merged(const LogEntries& inFile, const LogEntries& ours)
     const Lines fileLines = LinesOf(inFile);
     const Lines ourLines = LinesOf(ours);
     const std::vector<bool> isFound = FoundInFile(fileLines, ourLines);
-    const auto firstFound = std::find(isFound.begin(), isFound.end(), true) - isFound.begin();
-    Lines older;
-    Lines newer;
-    for (std::size_t i = 0; i < ourLines.size(); ++i)
-        if (!isFound[i])
-            (i < static_cast<std::size_t>(firstFound) ? older : newer).push_back(ourLines[i]);
+    const Missing missing = MissingInFile(fileLines, ourLines, isFound);
+    const auto common = FirstCommon(fileLines, ourLines, isFound);
     LogEntries merged;
-    for (const Line& line : MergedByTime(MergedByTime(older, fileLines), newer))
-        merged.AddEncoded(line.bytes, line.isPending);
+    Append(merged, MergedByTime(missing.fallenOut, Lines(fileLines.begin(), common)));
+    Append(merged, MergedByTime(MergedByTime(missing.lost, Lines(common, fileLines.end())), missing.pending));
     return merged;
 }
