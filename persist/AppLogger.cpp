@@ -172,8 +172,8 @@ void AppLogger::AddLine(const CString& line)
 
 void AppLogger::GetLogText(CStringArray& lines)
 {
-    const Locked log;
-    const LogEntries entries = log->entries; // asking for the locale may fail, which adds a line
+    // Not under the lock: what the locale needs may fail, on two threads at once, and add lines.
+    const LogEntries entries = Locked()->entries;
     entries.ForEach([&](std::string_view bytes, bool) { lines.Add(TextOf(LogEntries::Decoded(bytes))); });
 }
 

@@ -227,9 +227,16 @@ TEST_F(AppLoggerTest, SerializingReplacesTheListOrLeavesIt)
         load(other);
         EXPECT_EQ(StoredBy([](CArchive& archive) { AppLogger::Serialize(archive); }), LogBytes(two));
     }
+    AppLogger::m_csAppName = "App";
+    load(LogBytes({{"{x}", "a", 2, 10}}));
+    EXPECT_EQ(HexOf(StoredBy([](CArchive& archive) { AppLogger::Serialize(archive); })),
+              "19436F7276616E6520536F667477617265204C6F672046696C65" // the title
+              "070003417070"
+              "0100000000000000"
+              "02000300020000000A000000037B787D0161");
     const std::string whole = LogBytes({{"", "x"}, {"", "y"}});
     EXPECT_THROW(load(whole.substr(0, 20)), CArchiveException);
-    EXPECT_EQ(LogHome::Texts().size(), 2U);
+    EXPECT_TRUE(LogHome::Texts().at(0).ends_with("{x}\ta"));
     EXPECT_THROW(load(whole.substr(0, whole.size() - 1)), CArchiveException);
     EXPECT_EQ(LogHome::Texts().size(), 1U);
 }
@@ -249,7 +256,8 @@ TEST_F(AppLoggerTest, FailuresOfTheLibraryLandInTheLog)
               (StoredLines{{"{3B9CEE83-5685-4EBF-AF53-16DECF9747B1}", ""},
                            {"{408654B2-6791-46be-96AE-DECE99832073}", ""},
                            {"{9358F711-98BB-411f-8F4C-A9BE05892568}", ""},
-                           {"{E4949422-0B7B-4D2B-AE39-0E30647219F3}", "The filename, directory name, or volume label syntax is incorrect."}}));
+                           {"{E4949422-0B7B-4D2B-AE39-0E30647219F3}",
+                            "The filename, directory name, or volume label syntax is incorrect."}}));
     AppLogger::EnableLogging(false);
     LocaleUtils::GetMonthName(15);
     EXPECT_EQ(home.Lines().size(), 5U);
@@ -313,13 +321,20 @@ TEST_F(AppLoggerTest, SettingsNameTheFolder)
     std::this_thread::sleep_for(std::chrono::milliseconds(1100)); // as long as answers are kept
     AppLogger::SetAppName("App");
     EXPECT_EQ(AppLogger::m_csLogFile, (folder + "/build/App.log").c_str());
-    LogHome::Forget();
-    home.settings.Unset("XDG_STATE_HOME");
     home.settings.Set("HOME", home.settings.Folder() / "home");
-    AppLogger::SetAppName("Third");
-    AppLogger::EnableLogging(true);
-    EXPECT_TRUE(std::filesystem::exists(home.settings.Folder() /
-                                        "home/.local/state/CorvaneSoftware/Third/Third.log"));
+    for (const char* state : {"", "relative/state"}) {
+        LogHome::Forget();
+        home.settings.Set("XDG_STATE_HOME", state);
+        AppLogger::m_csAppName = "Third";
+        EXPECT_TRUE(AppLogger::SetLogFile());
+        EXPECT_EQ(AppLogger::m_csLogFile,
+                  (home.settings.Folder() / "home/.local/state/CorvaneSoftware/Third/Third.log").c_str());
+    }
+    LogHome::Forget();
+    home.settings.Set("XDG_STATE_HOME", "/" + std::string(300, 'x'));
+    AppLogger::m_csAppName = "Third";
+    EXPECT_FALSE(AppLogger::SetLogFile());
+    EXPECT_FALSE(AppLogger::HaveLogFile());
 }
 
 TEST_F(AppLoggerTest, TracesAreEmpty)
