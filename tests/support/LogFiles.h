@@ -1,12 +1,11 @@
 // What tests of the log share: log files written and read byte by byte, and a log of the test's own.
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "AppLogger.h"
@@ -14,29 +13,11 @@
 #include "support/ArchiveBytes.h"
 #include "support/UserSettings.h"
 
-struct StoredLine {
-    std::string marker;
-    std::string text;
-    std::uint32_t day = 700000;
-    std::uint32_t second = 1;
+using StoredLines = std::vector<std::pair<std::string, std::string>>; // markers and texts
 
-    friend bool operator==(const StoredLine& a, const StoredLine& b)
-    {
-        return std::tie(a.marker, a.text) == std::tie(b.marker, b.text);
-    }
-    friend std::ostream& operator<<(std::ostream& out, const StoredLine& line)
-    {
-        return out << line.marker << '|' << line.text;
-    }
-};
-using StoredLines = std::vector<StoredLine>;
-
-inline std::string Number(std::uint64_t value, int bytes)
+inline std::string Number(uint64 value, int bytes)
 {
-    std::string out;
-    for (; bytes > 0; --bytes, value >>= 8)
-        out += static_cast<char>(value & 0xFF);
-    return out;
+    return bytes == 0 ? std::string() : static_cast<char>(value & 0xFF) + Number(value >> 8, bytes - 1);
 }
 
 inline std::string ShortText(const std::string& text)
@@ -44,97 +25,78 @@ inline std::string ShortText(const std::string& text)
     return Number(text.size(), 1) + text;
 }
 
-inline std::string BytesOfLine(const StoredLine& line, unsigned version = 2)
+inline std::string EntryBytes(const std::string& marker, const std::string& text, unsigned day = 700000,
+                              unsigned second = 1)
 {
-    return Number(version, 2) + Number(3, 2) + Number(line.day, 4) + Number(line.second, 4) +
-           ShortText(line.marker) + ShortText(line.text);
+    return Number(2, 2) + Number(3, 2) + Number(day, 4) + Number(second, 4) + ShortText(marker) +
+           ShortText(text);
 }
 
-inline std::string LogBytes(const StoredLines& lines, unsigned version = 7,
-                            const std::string& title = "Corvane Software Log File")
+inline std::string HeaderBytes(uint64 count, unsigned version = 7,
+                               const std::string& title = "Corvane Software Log File")
 {
-    std::string bytes = ShortText(title) + Number(version, 2) + ShortText("Any") + Number(lines.size(), 8);
-    for (const StoredLine& line : lines)
-        bytes += BytesOfLine(line);
+    return ShortText(title) + Number(version, 2) + ShortText("App") + Number(count, 8);
+}
+
+inline std::string LogBytes(const StoredLines& lines)
+{
+    std::string bytes = HeaderBytes(lines.size());
+    for (const auto& [marker, text] : lines)
+        bytes += EntryBytes(marker, text);
     return bytes;
 }
 
-// Raises for everything that LogBytes does not write.
+// Raises for everything that LogBytes does not write, but for other times.
 inline StoredLines LinesIn(const std::string& bytes)
 {
     std::size_t at = 0;
-    const auto number = [&](int width) {
-        std::uint64_t value = 0;
-        for (int i = 0; i < width; ++i)
-            value |= std::uint64_t{static_cast<unsigned char>(bytes.at(at++))} << 8 * i;
-        return value;
-    };
-    const auto text = [&] {
-        const auto length = static_cast<std::size_t>(number(1));
+    const auto text = [&](std::size_t length) {
         at += length;
-        return bytes.substr(at - length, length);
+        return at > bytes.size() ? throw std::runtime_error("breaks off") : bytes.substr(at - length, length);
     };
-    if (text() != "Corvane Software Log File" || number(2) != 7)
-        throw std::runtime_error("no log");
-    text();
+    const auto shortText = [&] { return text(static_cast<unsigned char>(text(1)[0])); };
+    const std::string header = text(HeaderBytes(0).size());
     StoredLines lines;
-    for (std::uint64_t left = number(8); left > 0; --left) {
-        if (number(2) != 2 || number(2) != 3)
+    while (at < bytes.size()) {
+        if (text(4) != Number(0x30002, 4) || text(8).empty())
             throw std::runtime_error("no entry");
-        StoredLine line;
-        line.day = static_cast<std::uint32_t>(number(4));
-        line.second = static_cast<std::uint32_t>(number(4));
-        line.marker = text();
-        line.text = text();
-        lines.push_back(line);
+        const std::string marker = shortText();
+        lines.emplace_back(marker, shortText());
     }
-    if (at != bytes.size())
-        throw std::runtime_error("bytes behind the log");
-    return lines;
+    return header == HeaderBytes(lines.size()) ? lines : throw std::runtime_error("another header");
 }
 
-inline const StoredLine Started = {"{7A7B98BB-B07D-450C-BEB1-5ECF84735ACC}", "Logging started"};
+inline const StoredLines::value_type Started = {"{7A7B98BB-B07D-450C-BEB1-5ECF84735ACC}", "Logging started"};
 
 // A user with an empty registry and state folder, and a logger that has forgotten everything.
-class LogHome {
-public:
+struct LogHome {
     LogHome()
     {
-        settings.Set("XDG_STATE_HOME", StateFolder());
+        settings.Set("XDG_STATE_HOME", State());
         Forget();
     }
     ~LogHome() { Forget(); }
 
-    std::string StateFolder() const { return settings.Folder() / "state"; }
-    std::string Folder() const { return StateFolder() + "/CorvaneSoftware/App/"; }
-    std::string Path() const { return Folder() + "App.log"; }
-    void Write(const std::string& bytes) const { UserSettings::WriteFile(Path(), bytes); }
-    std::string Bytes() const { return UserSettings::ReadFile(Path()); }
-    StoredLines Lines() const { return LinesIn(Bytes()); }
-    std::filesystem::path Switch(const std::string& app = "App") const
+    static void Load(const std::string& bytes)
     {
-        return settings.Tree() / "Software/CorvaneSoftware" / app / "Log";
+        LoadFrom(bytes, [](CArchive& archive) { AppLogger::Serialize(archive); });
     }
-    void Start() const
+    static std::string Stored()
     {
-        AppLogger::SetAppName("App");
-        AppLogger::EnableLogging(true);
+        return StoredBy([](CArchive& archive) { AppLogger::Serialize(archive); });
     }
-    std::set<std::string> FilesThere() const
-    {
-        std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(Folder()))
-            names.insert(entry.path().filename());
-        return names;
-    }
-
     static void Forget()
     {
         AppLogger::DeleteInstance();
         AppLogger::m_csAppName.Empty();
         AppLogger::m_csLogFile.Empty();
         AppLogger::m_nMaxLogEntries = 500;
-        LoadFrom(LogBytes({}), [](CArchive& archive) { AppLogger::Serialize(archive); });
+        Load(HeaderBytes(0));
+    }
+    static void Start(const std::string& name = "App")
+    {
+        AppLogger::SetAppName(name);
+        AppLogger::EnableLogging(true);
     }
     static std::vector<std::string> Texts()
     {
@@ -142,6 +104,27 @@ public:
         AppLogger::GetLogText(lines);
         return {lines.begin(), lines.end()};
     }
+
+    std::string State() const { return settings.Folder() / "state"; }
+    std::string Path() const { return State() + "/CorvaneSoftware/App/App.log"; }
+    void Write(const std::string& bytes) const { UserSettings::WriteFile(Path(), bytes); }
+    std::string Bytes() const
+    {
+        return std::filesystem::is_directory(Path()) ? "a folder" : UserSettings::ReadFile(Path());
+    }
+    StoredLines Lines() const { return LinesIn(Bytes()); }
+    std::filesystem::path Value(const std::string& name, const std::string& app = "App") const
+    {
+        return settings.Tree() / "Software/CorvaneSoftware" / app / name;
+    }
+    static std::set<std::string> NamesIn(const std::filesystem::path& folder)
+    {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            names.insert(entry.path().filename());
+        return names;
+    }
+    std::set<std::string> Files() const { return NamesIn(std::filesystem::path(Path()).parent_path()); }
 
     UserSettings settings;
 };
