@@ -16,8 +16,8 @@ namespace {
 constexpr const char* StartedLine = "{7A7B98BB-B07D-450C-BEB1-5ECF84735ACC}Logging started";
 constexpr uint64 UsualMaxEntries = 500;
 
-constinit NeverDestroyed<CString> appName;
-constinit NeverDestroyed<CString> logFile;
+constinit NeverDestroyed<CString> applicationName;
+constinit NeverDestroyed<CString> logFilePath;
 
 struct Log {
     Log() { InitializeCriticalSection(&section); }
@@ -88,8 +88,8 @@ bool IsReadOnly(const CString& path)
 } // namespace
 
 constinit AppLogger* AppLogger::m_pInstance = nullptr;
-constinit CString& AppLogger::m_csAppName = appName.value;
-constinit CString& AppLogger::m_csLogFile = logFile.value;
+constinit CString& AppLogger::m_csAppName = applicationName.value;
+constinit CString& AppLogger::m_csLogFile = logFilePath.value;
 constinit bool AppLogger::m_bCheckedRegistry = false;
 constinit uint64 AppLogger::m_nMaxLogEntries = UsualMaxEntries;
 

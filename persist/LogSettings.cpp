@@ -160,7 +160,7 @@ CString LogSettings::LogFile(const CString& application)
 
 CString LogSettings::AsFileName(const CString& application)
 {
-    const CString name = Escaped(application);
+    CString name = Escaped(application);
     if (name.GetLength() <= MostNameBytes)
         return name;
     CString number;
