@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <random>
+#include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -12,6 +13,7 @@
 #include <unistd.h>
 
 #include "persist/LogFile.h"
+#include "persist/LogMerge.h"
 #include "platform/Platform.h"
 #include "support/LogFiles.h"
 #include "support/TemporaryFolder.h"
@@ -296,6 +298,38 @@ TEST_F(AppLoggerFileTest, ThreadsAndProcessesKeepEachOthersLines)
             const int last = LastIn(lines, name);
             EXPECT_TRUE(last == (*name < 'x' ? 20 : 60) || (last == 0 && bound == 60)) << name << last;
         }
+    }
+}
+
+// "a1 b2*": the line a of second 1, and b of second 2, which is pending.
+LogEntries EntriesOf(std::istringstream texts)
+{
+    LogEntries entries;
+    for (std::string text; texts >> text;)
+        entries.Add({DateTime(2025, 1, 1, 0, 0, text[1] - '0'), "", text.substr(0, 1)}, text.ends_with('*'));
+    return entries;
+}
+
+TEST(LogMergeTest, LinesGoWhereTheyBelong)
+{
+    const struct {
+        const char *inFile, *ours, *merged;
+    } cases[] = {
+        {"a1 c3", "a1 b2", "abc"},    // lost
+        {"b2 c2", "a2 b2", "abc"},    // fallen out by the bound
+        {"b1 c2", "a9 b1", "abc"},    // the same, and then the clock was set back
+        {"b1 c1", "a1", "abc"},       // fallen out, all of them
+        {"a1 b1", "a1 c1*", "abc"},   // pending
+        {"a2 b3", "c1*", "abc"},      // pending, nothing in common
+        {"a1 a1 b1", "a1 a1", "aab"}, // equal lines
+        {"a1 b1", "a1 a1*", "aba"},   // equal, but pending
+        {"", "a1 b2*", "ab"},
+    };
+    for (const auto& [inFile, ours, merged] : cases) {
+        std::string texts;
+        LogMerge::Merged(EntriesOf(std::istringstream(inFile)), EntriesOf(std::istringstream(ours)))
+            .ForEach([&](std::string_view bytes, bool) { texts += bytes.back(); });
+        EXPECT_EQ(texts, merged) << inFile << " and " << ours;
     }
 }
 
