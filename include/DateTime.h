@@ -26,6 +26,7 @@
 
 class CArchive;
 class COleDateTime;
+class CString;
 
 class KVT01_API DateTime {
 public:
@@ -171,6 +172,12 @@ public:
     bool IsToday() const noexcept; // false for a missing date, as the next two
     bool IsYesterday() const noexcept;
     bool IsTomorrow() const noexcept;
+
+    // ---- as text; empty for a missing half --------------------------------------------------------------
+    // As the user writes them (31.12.2025 and 14:05:09, 12/31/2025 and 2:05:09 PM); without `local`, and
+    // where the platform knows no form, as 2025-12-31 and 14:05:09.
+    CString ConvertDateToText(bool local = true) const;
+    CString ConvertTimeToText(bool local = true) const;
 
     // ---- the archive. Stored: the 16-bit word 3, the day number and the second, 32 bits each, both as they
     // are.

@@ -1,6 +1,7 @@
 // Everything of the library at once.
 #pragma once
 
+#include "AppLogger.h"
 #include "BasicTypes.h"
 #include "CArchive.h"
 #include "CArchiveException.h"
@@ -21,6 +22,7 @@
 #include "Crypto.h"
 #include "DateEntry.h"
 #include "DateTime.h"
+#include "DebugUtils.h"
 #include "DirUtils.h"
 #include "ExeUtils.h"
 #include "ExternalAppRun.h"

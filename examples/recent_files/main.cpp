@@ -1,225 +1,51 @@
-// recent_files FOLDER [WILDCARD]
-//
-// Lists the files below a folder in natural order, shows what a wildcard matches (default *read*) and which
-// names occur twice, "opens" some of the matches, and remembers them: the next run begins with the recent and
-// the popular list. They lie in $XDG_STATE_HOME/CorvaneSoftware/recent_files/ (default ~/.local/state).
+// recent_files: an example host. Each command has a file of its own, with its description in the header.
 
 #include <kvt01.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
-#include <unordered_map>
+#include <exception>
+#include <vector>
 
-#include "Regional.h"
+#include "Listing.h"
+#include "Logging.h"
 
 namespace {
 
-constexpr std::size_t Shown = 8;
-constexpr std::size_t Opened = 3;
-
-struct FileFacts {
-    uint64 size;
-    DateTime written;
+struct Command {
+    const char* name;
+    int (*run)(const std::vector<CString>& arguments); // 2 for arguments that it does not know
 };
 
-// The files below a folder: their paths, and what is known of each.
-struct FileList {
-    TextArray paths;
-    std::unordered_map<CString, FileFacts> facts;
+constexpr Command Commands[] = {
+    {"log", Logging::Run},
 };
 
-// Adds every file below the folder, whose path ends in a separator. Links to folders are not followed.
-void ListFiles(const CString& folder, FileList& files)
+constexpr const char* Usage = "usage: recent_files FOLDER [WILDCARD]\n"
+                              "       recent_files log [on|off|--crash]\n";
+
+// What is no command is a folder to list.
+int Run(const std::vector<CString>& arguments)
 {
-    TextArray folders;
-    CFileFind finder;
-    for (bool more = finder.FindFile(folder + "*"); more;) {
-        more = finder.FindNextFile();
-        const CString path = folder + finder.GetFileName();
-        if (!finder.IsDirectory()) {
-            DateTime written;
-            written.Set(finder.GetLastWriteTime());
-            files.paths.Add(path);
-            files.facts[path] = {finder.GetLength(), written};
-        } else if (!finder.IsDots() && !finder.IsLink()) {
-            folders.Add(path + "/");
-        }
-    }
-    for (const CString& deeper : folders)
-        ListFiles(deeper, files);
-}
-
-// Prints a title and the first lines of the list.
-template <class Line>
-void Show(const char* title, const TextArray& list, Line line)
-{
-    std::printf("\n%s: %s\n", title, Regional::Count(list.GetCount()).GetString());
-    for (std::size_t i = 0; i < std::min(list.GetCount(), Shown); ++i)
-        line(list[i]);
-    if (list.GetCount() > Shown)
-        std::puts("  ...");
-}
-
-void Show(const char* title, const TextArray& list)
-{
-    Show(title, list, [](const CString& text) { std::printf("  %s\n", text.GetString()); });
-}
-
-void ShowWithFacts(const char* title, const FileList& files)
-{
-    Show(title, files.paths, [&](const CString& path) {
-        const FileFacts& facts = files.facts.at(path);
-        std::printf("  %s %s %10s  %s\n", Regional::Date(facts.written).GetString(),
-                    Regional::Time(facts.written).GetString(), Regional::Count(facts.size).GetString(),
-                    path.GetString());
-    });
-}
-
-TextArray Matching(const TextArray& files, const CString& wildcard)
-{
-    TextArray matches;
-    for (const CString& file : files)
-        if (StringUtils::MatchSpec(FileUtils::ParseFileNameFromPath(file), wildcard, false))
-            matches.Add(file);
-    return matches;
-}
-
-TextArray NamesThatOccurTwice(const TextArray& files)
-{
-    TextArray names;
-    for (const CString& file : files)
-        names.Add(FileUtils::ParseFileNameFromPath(file));
-    TextArray twice;
-    names.GetDuplicates(twice);
-    twice.Sort(true, false, TextArray::ContentFiles);
-    return twice;
-}
-
-// The recent and the popular list in their file. It is replaced as a whole, so that a failure leaves the old
-// one.
-class RememberedFiles {
-public:
-    RememberedFiles() : m_path(Folder() + "recent.list")
-    {
-        if (!std::filesystem::exists(m_path.GetString()))
-            return;
-        CFile file(m_path, CFile::modeRead);
-        CArchive archive(&file, CArchive::load);
-        m_lists.Serialize(archive);
-        BYTE left = 0;
-        if (archive.Read(&left, 1) != 0)
-            throw CArchiveException(CArchiveException::genericException);
-    }
-
-    MRUArray& Lists() { return m_lists; }
-
-    void Save()
-    {
-        std::filesystem::create_directories(Folder().GetString());
-        const CString fresh = m_path + ".new";
-        CFile file(fresh, CFile::modeCreate | CFile::modeWrite);
-        CArchive archive(&file, CArchive::store);
-        m_lists.Serialize(archive);
-        archive.Close();
-        file.Close();
-        std::filesystem::rename(fresh.GetString(), m_path.GetString());
-    }
-
-    const CString& Path() const { return m_path; }
-
-private:
-    static CString Folder()
-    {
-        const char* const state = std::getenv("XDG_STATE_HOME");
-        const char* const home = std::getenv("HOME");
-        const CString base =
-            state != nullptr && *state != '\0' ? CString(state) : CString(home) + "/.local/state";
-        return base + "/CorvaneSoftware/recent_files/";
-    }
-
-    CString m_path;
-    MRUArray m_lists;
-};
-
-// Rules for dates that come back every year; the date of each in this one.
-void ShowHolidays()
-{
-    constexpr int Monday = 2;
-    constexpr int Thursday = 5;
-    DateEntry entries[5];
-    entries[0].SetDay("New Year's Day, not at a weekend", 1, 1);
-    entries[0].SetWeekDay(true);
-    entries[1].SetBeforeAfterDay("The Monday on or before 24 May", 24, 5, -Monday);
-    entries[2].SetDayOfWeek("First Monday of September", DateEntry::OccurrenceFirst, Monday, 9);
-    entries[3].SetDayOfWeek("Fourth Thursday of November", DateEntry::OccurrenceFourth, Thursday, 11);
-    entries[4].SetDay("Christmas Day", 25, 12);
-
-    int year = 0;
-    int month = 0;
-    int day = 0;
-    DateTime::GetDateNow(year, month, day);
-    std::printf("\nHolidays of %d:\n", year);
-    for (const DateEntry& entry : entries) {
-        DateTime date;
-        entry.GetDateFor(year, date);
-        std::printf("  %s  %s\n", Regional::Date(date).GetString(), entry.GetDesc().GetString());
-    }
-}
-
-void ShowRemembered(MRUArray& lists)
-{
-    TextArray recent;
-    TextArray popular;
-    lists.GetRecent(recent, true, false, true, false, TextArray::ContentPaths);
-    lists.GetPopular(popular, false);
-    Show("Opened recently", recent);
-    Show("Opened most often", popular);
-}
-
-void Run(CString folder, const CString& wildcard)
-{
-    RememberedFiles remembered;
-    DirUtils::EnsureTrailingForwardSlash(folder);
-    if (!CFileFind().FindFile(folder + "*"))
-        throw std::runtime_error(std::string(folder) + ": no folder that can be read");
-    ShowRemembered(remembered.Lists());
-
-    FileList files;
-    ListFiles(folder, files);
-    files.paths.Sort(true, false, TextArray::ContentPaths);
-    ShowWithFacts("Files in natural order", files);
-
-    const TextArray matches = Matching(files.paths, wildcard);
-    Show(wildcard, matches);
-    Show("Names that occur twice or more", NamesThatOccurTwice(files.paths));
-
-    TextArray opened(matches);
-    opened.Trim(Opened);
-    for (const CString& file : opened)
-        remembered.Lists().Add(file);
-    remembered.Save();
-    Show("Opened now", opened);
-    ShowHolidays();
+    for (const Command& command : Commands)
+        if (!arguments.empty() && arguments[0] == command.name)
+            return command.run({arguments.begin() + 1, arguments.end()});
+    return Listing::Run(arguments);
 }
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    if (argc < 2 || argc > 3) {
-        std::fputs("usage: recent_files FOLDER [WILDCARD]\n", stderr);
-        return 2;
-    }
+    AppLogger::SetAppName("recent_files");
+    int result = 1;
     try {
-        Run(argv[1], argc > 2 ? argv[2] : "*read*");
-        return 0;
-    } catch (const CArchiveException&) {
-        std::fputs("recent_files: the list of recent files is damaged; it was left as it is\n", stderr);
+        result = Run({argv + 1, argv + argc});
+        if (result == 2)
+            std::fputs(Usage, stderr);
     } catch (const std::exception& error) {
+        AppLogger::AddLine(CString("{Failed} ") + error.what());
         std::fprintf(stderr, "recent_files: %s\n", error.what());
     }
-    return 1;
+    AppLogger::DeleteInstance();
+    return result;
 }

@@ -56,10 +56,12 @@ DWORD FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD langu
 int _stricmp(const char* a, const char* b) noexcept;
 
 #include "platform/posix/PosixCodePages.h"
+#include "platform/posix/PosixFileIdentity.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixLocale.h"
 #include "platform/posix/PosixLocks.h"
 #include "platform/posix/PosixProcesses.h"
 #include "platform/posix/PosixRegistry.h"
+#include "platform/posix/PosixShell.h"
 #include "platform/posix/PosixTime.h"
 #include "platform/posix/PosixVersionInfo.h"

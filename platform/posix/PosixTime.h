@@ -26,6 +26,7 @@ int64 _time64(int64* result) noexcept; // also stored in *result unless that is 
 int _localtime64_s(std::tm* result, const int64* time) noexcept;
 
 DWORD GetTickCount() noexcept; // milliseconds since the system started, modulo 2^32
+void Sleep(DWORD milliseconds) noexcept;
 
 // ---- file times; a failure returns FALSE and leaves ERROR_INVALID_PARAMETER in GetLastError -------------
 // Local time here is UTC shifted by the offset in force today, whatever the date; no range is checked, 64

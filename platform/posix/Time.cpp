@@ -123,6 +123,14 @@ DWORD GetTickCount() noexcept
     return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
 }
 
+void Sleep(DWORD milliseconds) noexcept
+{
+    std::timespec left = {static_cast<std::time_t>(milliseconds / 1000),
+                          static_cast<long>(milliseconds % 1000) * 1'000'000};
+    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
+}
+
 BOOL FileTimeToLocalFileTime(const FILETIME* fileTime, FILETIME* localTime) noexcept
 {
     const uint64 offset = static_cast<uint64>(OffsetToday()) * FileTimeUnitsPerSecond;
