@@ -65,14 +65,11 @@ TEST(CharacterClasses, HaveNoMembersOutsideTheBytes)
         SCOPED_TRACE(c);
         EXPECT_FALSE(StringUtils::IsAlpha(c) || StringUtils::IsDigit(c) || StringUtils::IsSpace(c));
         EXPECT_FALSE(StringUtils::IsLower(c) || StringUtils::IsUpper(c) || StringUtils::IsPunct(c));
-        EXPECT_FALSE(StringUtils::IsRomanNumeral(c));
-        EXPECT_EQ(StringUtils::ToLower(c), 0);
-        EXPECT_EQ(StringUtils::ToUpper(c), 0);
+        EXPECT_FALSE(StringUtils::IsRomanNumeral(c) || Exposed::CompareNoCase(c, 'a'));
+        EXPECT_TRUE(StringUtils::ToLower(c) == 0 && StringUtils::ToUpper(c) == 0);
         EXPECT_TRUE(Exposed::CompareNoCase(c, 0) && Exposed::CompareNoCase(-2, c));
-        EXPECT_FALSE(Exposed::CompareNoCase(c, 'a'));
     }
-    EXPECT_TRUE(Exposed::CompareNoCase('A', 'a'));
-    EXPECT_FALSE(Exposed::CompareNoCase(0xC9, 0xE9));
+    EXPECT_TRUE(Exposed::CompareNoCase('A', 'a') && !Exposed::CompareNoCase(0xC9, 0xE9));
 }
 
 // The steps of both orderings with case; of the special one, which side must be lower and which upper.
@@ -104,7 +101,7 @@ TEST(CharacterOrderings, DecideAsTheStepsDo)
 {
     const std::string alphabet("abAB1 \0\x80\xFF", 9);
     RandomTexts random;
-    for (int round = 0; round < 200000; ++round) {
+    for (int round = 0; round < 100000; ++round) {
         const std::string a = random.Make(alphabet, random.Below(5));
         const std::string b = random.Make(alphabet, random.Below(5));
         SCOPED_TRACE(testing::PrintToString(a) + " against " + testing::PrintToString(b));

@@ -6,7 +6,7 @@
 #include <strings.h>
 
 #include "LocaleUtils.h"
-#include "StringUtils.h"
+#include "NumberTextConv.h"
 #include "support/Cases.h"
 #include "support/RandomTexts.h"
 #include "support/TextModels.h"
@@ -37,33 +37,11 @@ bool IsDigit(char c)
     return c >= '0' && c <= '9';
 }
 
+// Its value is what the reader of decimals, which has a model of its own, makes of it.
 std::string NumberAt(const std::string& base, std::size_t at)
 {
     const std::string decimal = TextArray::m_csDecimal.Left(1).GetString();
     return base.substr(at, base.find_first_not_of("0123456789" + decimal, at) - at);
-}
-
-double ValueOf(const std::string& number)
-{
-    const char decimal = LocaleUtils::m_csDecimalSeparator[0];
-    const char thousands = LocaleUtils::m_csThousandsSeparator[0];
-    double value = 0;
-    double scale = 10;
-    for (const char c : number) { // begins with a digit
-        if (c == thousands)
-            continue;
-        if (c != decimal && !IsDigit(c))
-            break;
-        if (c == decimal) {
-            scale = 0.1;
-        } else if (scale > 1) {
-            value = value * 10 + (c - '0');
-        } else {
-            value += scale * (c - '0');
-            scale *= 0.1;
-        }
-    }
-    return value;
 }
 
 int ModelCompareBases(const std::string& a, const std::string& b, bool caseSensitive)
@@ -77,7 +55,8 @@ int ModelCompareBases(const std::string& a, const std::string& b, bool caseSensi
             continue;
         }
         const std::string left = NumberAt(a, i), right = NumberAt(b, i);
-        const double u = ValueOf(left), v = ValueOf(right);
+        const double u = NumberTextConv::GetDoubleFromString(left, false);
+        const double v = NumberTextConv::GetDoubleFromString(right, false);
         if (u - v >= 0.001 || v - u >= 0.001)
             return u < v ? -1 : 1;
         i += std::min(left.size(), right.size());
