@@ -118,7 +118,7 @@ TEST(Matching, AnswersAsTheRulesDo)
 
 TEST(Matching, OfSpecificationsKeepsItsOddities)
 {
-    for (const auto& [text, spec, caseSensitive, fits] : Cases<4>("specifications"))
+    for (const auto& [text, spec, caseSensitive, fits] : Cases<4>("wildcards"))
         EXPECT_EQ(StringUtils::MatchSpec(text, spec, caseSensitive == "1"), fits == "1")
             << text << " by " << spec;
     const CString text(std::string(5000, 'x') + "MiDDle" + std::string(5000, 'x'));

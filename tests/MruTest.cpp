@@ -211,7 +211,9 @@ void Follow(RandomTexts& random, Choose choose)
     Lists lists;
     Slow slow;
     for (int step = 0; step < 6000; ++step) {
-        const Lists copy = lists;
+        Lists assigned;
+        assigned = lists;
+        const Lists copy = assigned;
         Slow before = slow;
         const Operation<Lists, Slow> operation = choose(RandomText(random), RandomText(random));
         operation.lists(lists);
