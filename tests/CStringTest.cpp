@@ -185,9 +185,11 @@ TEST(CString, SearchesSplitsAndReplaces)
 
     std::string pieces;
     int start = 0;
-    for (CString piece; start != -1; pieces += '|')
-        pieces += CString("  a, b ").Tokenize(" ,", start);
-    EXPECT_EQ(pieces, "a|b||");
+    while (start != -1) {
+        const CString piece = CString("  a, b ").Tokenize(" ,", start);
+        pieces += std::string(piece) + std::to_string(start) + '|';
+    }
+    EXPECT_EQ(pieces, "a4|b7|-1|");
 }
 
 CString ByFormatV(const char* format, ...)
