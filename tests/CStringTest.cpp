@@ -3,24 +3,24 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
-#include <random>
 #include <sstream>
-#include <string>
 #include <thread>
-#include <unordered_set>
-#include <vector>
+
+#include "support/RandomTexts.h"
+#include "support/TextModels.h"
 
 namespace {
 
-// A string of each length around the places where the representation changes.
-const std::vector<int> Lengths = {0, 1, 7, 8, 29, 30, 31, 32, 47, 48, 100, 4096};
+// Around the places where the representation changes.
+const std::size_t Lengths[] = {0, 1, 7, 8, 29, 30, 31, 32, 47, 48, 100, 4096};
 
-std::string Sample(int length, char first = 'a')
+std::string Sample(std::size_t length)
 {
     std::string text;
-    for (int i = 0; i < length; ++i)
-        text += static_cast<char>(first + i % 26);
+    while (text.size() < length)
+        text += static_cast<char>('a' + text.size() % 26);
     return text;
 }
 
@@ -34,98 +34,66 @@ void ExpectSame(const CString& text, const std::string& model)
     ASSERT_EQ(text.IsEmpty(), model.empty());
 }
 
-// Drives a string and a std::string through the same random edits. Copies that share the text are kept all
-// the while: none of them may notice a change of another.
-class EditedPair {
-public:
-    explicit EditedPair(unsigned seed) : m_random(seed) {}
+// The same random edit of a string and of its model.
+void Edit(RandomTexts& random, CString& text, std::string& model)
+{
+    const std::size_t at = random.Below(model.size() + 1);
+    const std::size_t count = random.Below(12);
+    const int i = static_cast<int>(at);
+    const int n = static_cast<int>(count);
+    const std::string piece = Sample(Lengths[random.Below(9)]) + std::string(random.OneIn(5), '\0');
+    const std::string end(count > 0, '!');
+    const struct {
+        std::function<void(CString&)> edit;
+        std::function<void(std::string&)> model;
+    } edits[] = {
+        {[&](auto& t) { t += CString(piece); }, [&](auto& m) { m += piece; }},
+        {[&](auto& t) { t.Append(t.GetString() + i, std::min(n, t.GetLength() - i)); }, // a piece of itself
+         [&](auto& m) { m += m.substr(at, count); }},
+        {[&](auto& t) { t.Insert(i, t.GetString() + i); }, // another one
+         [&](auto& m) { m.insert(at, std::string(m.c_str() + at)); }},
+        {[&](auto& t) { t.Delete(i, n); }, [&](auto& m) { m.erase(at, count); }},
+        {[&](auto& t) { t.Insert(i, piece.c_str()); }, [&](auto& m) { m.insert(at, piece.c_str()); }},
+        {[&](auto& t) { t.Insert(i, '+'); }, [&](auto& m) { m.insert(at, 1, '+'); }},
+        {[&](auto& t) { t.Truncate(i); }, [&](auto& m) { m.resize(at); }},
+        {[&](auto& t) { t = t.Mid(i, n * 8); }, [&](auto& m) { m = m.substr(at, count * 8); }},
+        {[&](auto& t) { t.SetAt(i, '#'); }, [&](auto& m) { m.replace(at, 1, at < m.size() ? "#" : ""); }},
+        {[&](auto& t) { t.Remove('c'); }, [&](auto& m) { std::erase(m, 'c'); }},
+        {[&](auto& t) { t.MakeReverse(); }, [&](auto& m) { std::reverse(m.begin(), m.end()); }},
+        {[&](auto& t) { t.FreeExtra(); }, [&](auto&) {}},
+        {[&](auto& t) {
+             CString moved(std::move(t));
+             ExpectSame(t, "");
+             t = std::move(moved);
+             t = static_cast<CString&>(t);
+         },
+         [&](auto&) {}},
+        {[&](auto& t) { t.ReleaseBuffer(i); },
+         [&](auto& m) { m.resize(at); }}, // without a buffer taken before
+        {[&](auto& t) {
+             t.GetBuffer(t.GetLength() + n)[t.GetLength()] = '!';
+             t.ReleaseBuffer(t.GetLength() + (n > 0));
+         },
+         [&](auto& m) { m += end; }},
+    };
+    const auto& chosen = random.Pick(edits);
+    chosen.edit(text);
+    chosen.model(model);
+}
 
-    void Step()
-    {
-        const int at = Below(m_model.empty() ? 1 : static_cast<int>(m_model.size()) + 1);
-        const int count = Below(12);
-        const std::string piece =
-            Sample(Lengths[static_cast<std::size_t>(Below(9))], 'A') + std::string(Below(5) == 0, '\0');
-        switch (Below(12)) {
-        case 0:
-            m_text += CString(piece);
-            m_model += piece;
-            break;
-        case 1:
-            m_text.Append(m_text.GetString() + at,
-                          std::min(count, m_text.GetLength() - at)); // a piece of itself
-            m_model += m_model.substr(static_cast<std::size_t>(at), static_cast<std::size_t>(count));
-            break;
-        case 2:
-            m_text.Delete(at, count);
-            m_model.erase(static_cast<std::size_t>(at), static_cast<std::size_t>(count));
-            break;
-        case 3:
-            m_text.Insert(at, piece.c_str());
-            m_model.insert(static_cast<std::size_t>(at), piece.c_str());
-            break;
-        case 4:
-            m_text.Truncate(at);
-            m_model.resize(static_cast<std::size_t>(at));
-            break;
-        case 5:
-            m_text = m_text.Mid(at, count * 8);
-            m_model = m_model.substr(static_cast<std::size_t>(at), static_cast<std::size_t>(count) * 8);
-            break;
-        case 6:
-            m_text.SetAt(at, '#');
-            if (at < static_cast<int>(m_model.size()))
-                m_model[static_cast<std::size_t>(at)] = '#';
-            break;
-        case 7:
-            m_text.Remove('c');
-            std::erase(m_model, 'c');
-            break;
-        case 8:
-            m_text.Insert(at, '+');
-            m_model.insert(static_cast<std::size_t>(at), 1, '+');
-            break;
-        case 9:
-            m_text.MakeReverse();
-            std::reverse(m_model.begin(), m_model.end());
-            break;
-        case 10:
-            m_text.GetBuffer(m_text.GetLength() + count)[m_text.GetLength()] = '!';
-            m_text.ReleaseBuffer(static_cast<int>(m_model.size()) + (count > 0));
-            m_model += std::string(count > 0, '!');
-            break;
-        default:
-            m_text.FreeExtra();
-            m_kept.emplace_back(m_text, m_model);
-            break;
-        }
-    }
-
-    void Check() const
-    {
-        ExpectSame(m_text, m_model);
-        for (const auto& [text, model] : m_kept)
-            ExpectSame(text, model);
-    }
-
-private:
-    int Below(int end) { return std::uniform_int_distribution(0, end - 1)(m_random); }
-
-    std::mt19937 m_random;
-    CString m_text;
-    std::string m_model;
-    std::vector<std::pair<CString, std::string>> m_kept;
-};
-
+// Copies share the text: none of them may notice a change of another.
 TEST(CString, StaysEqualToAModelThroughRandomEdits)
 {
-    for (unsigned seed = 1; seed <= 60; ++seed) {
-        SCOPED_TRACE(seed);
-        EditedPair pair(seed);
-        for (int step = 0; step < 200; ++step)
-            pair.Step();
-        pair.Check();
-        ASSERT_FALSE(HasFatalFailure());
+    RandomTexts random;
+    for (int round = 0; round < 60 && !HasFatalFailure(); ++round) {
+        std::vector<std::pair<CString, std::string>> strings(1);
+        for (int step = 0; step < 200; ++step) {
+            if (random.OneIn(12))
+                strings.push_back(strings.back());
+            Edit(random, strings.back().first, strings.back().second);
+        }
+        for (const auto& [text, model] : strings)
+            ExpectSame(text, model);
     }
 }
 
@@ -133,7 +101,7 @@ TEST(CString, ComparesAndOrdersLikeItsBytes)
 {
     std::vector<std::string> texts = {std::string("a\0b", 3), std::string("a\0c", 3), std::string("a\0", 2),
                                       "\x80", "\xFF"};
-    for (const int length : Lengths)
+    for (const std::size_t length : Lengths)
         for (const char* end : {"", "x", "y", "\xE9"})
             texts.push_back(Sample(length) + end);
     for (const auto& a : texts)
@@ -141,45 +109,44 @@ TEST(CString, ComparesAndOrdersLikeItsBytes)
             SCOPED_TRACE(a + " / " + b);
             const CString left(a);
             const CString right(b);
+            const int untilNul = Sign(std::strcmp(a.c_str(), b.c_str()));
             EXPECT_EQ(left == right, a == b);
             EXPECT_EQ(left < right, a < b);
-            EXPECT_EQ(left.Compare(right) < 0, std::strcmp(a.c_str(), b.c_str()) < 0);
-            EXPECT_EQ(left.Compare(right) == 0, std::strcmp(a.c_str(), b.c_str()) == 0);
+            EXPECT_EQ(Sign(left.Compare(right)), untilNul);
+            EXPECT_EQ(Sign(left.Collate(right)), untilNul); // in the "C" locale
             EXPECT_EQ(left == b.c_str(), a == std::string_view(b.c_str()));
             EXPECT_TRUE(a != b || std::hash<CString>()(left) == std::hash<CString>()(right));
         }
-    EXPECT_EQ(CString("Grüße").CompareNoCase("gRüße"), 0);
+    EXPECT_EQ(CString("Gr\xFC\xDF").CompareNoCase("gR\xFC\xDF"), 0);
     EXPECT_LT(CString("a").CompareNoCase("B"), 0);
 }
 
 TEST(CString, TakesPositionsOutsideTheTextAsTheNearestInside)
 {
-    const CString text("hello");
-    const int far = 0x7FFFFFFF;
-    const int below = -far - 1;
-    EXPECT_EQ(text.Left(-1), "");
-    EXPECT_EQ(text.Left(far), "hello");
-    EXPECT_EQ(text.Right(below), "");
-    EXPECT_EQ(text.Right(far), "hello");
-    EXPECT_EQ(text.Mid(below, 2), "he");
-    EXPECT_EQ(text.Mid(far), "");
-    EXPECT_EQ(text.Mid(3, far), "lo");
-    EXPECT_EQ(text.Find('l', below), 2);
-    EXPECT_EQ(text.Find("l", far), -1);
-    EXPECT_EQ(text.Find("", 5), 5);
-    EXPECT_EQ(text.Find("", 6), -1);
+    const std::string model = "hello";
+    const CString text(model);
+    for (const int first : {INT_MIN, -1, 0, 3, 5, 6, INT_MAX})
+        for (const int count : {INT_MIN, -1, 0, 2, 5, INT_MAX}) {
+            SCOPED_TRACE(testing::Message() << "first " << first << ", count " << count);
+            const auto from = static_cast<std::size_t>(std::clamp(first, 0, 5));
+            const auto size = static_cast<std::size_t>(std::clamp(count, 0, 5));
+            ExpectSame(text.Left(count), model.substr(0, size));
+            ExpectSame(text.Right(count), model.substr(5 - size));
+            ExpectSame(text.Mid(first, count), model.substr(from, size));
+            EXPECT_EQ(text.Find('l', first), static_cast<int>(model.find('l', from)));
+            EXPECT_EQ(text.Find("", first), first > 5 ? -1 : static_cast<int>(from));
+            CString changed(text);
+            std::string rest(model);
+            rest.erase(from, size);
+            EXPECT_EQ(changed.Delete(first, count), static_cast<int>(rest.size()));
+            changed.Insert(first, "x");
+            ExpectSame(changed, rest.insert(std::min(from, rest.size()), "x"));
+        }
+    for (const std::size_t outside : {std::size_t{5}, std::size_t{1} << 40, static_cast<std::size_t>(-1)})
+        EXPECT_EQ(text[outside], '\0');
     EXPECT_EQ(text.Find(static_cast<const char*>(nullptr)), 0);
-    EXPECT_EQ(text[-1], '\0');
-    EXPECT_EQ(text[5], '\0');
-    EXPECT_EQ(text[std::size_t{1} << 40], '\0');
-    CString changed(text);
-    EXPECT_EQ(changed.Delete(below, far), 0);
-    EXPECT_EQ(changed.Insert(far, "x"), 1);
-    changed.SetAt(7, 'z');
-    EXPECT_EQ(changed, "x");
-    EXPECT_EQ(CString('a', below), "");
-    EXPECT_EQ(CString("abc", -3), "");
-    EXPECT_EQ(CString(static_cast<const char*>(nullptr)), "");
+    for (const CString& empty : {CString('a', INT_MIN), CString("a", -3), CString(nullptr, 9), CString("\0")})
+        ExpectSame(empty, "");
     EXPECT_THROW(CString("abc").Append(text, CString::MaxLength), std::length_error);
 }
 
@@ -191,14 +158,10 @@ TEST(CString, BuffersAreTakenBackUpToTheNulOrTheirRoom)
         text.ReleaseBuffer();
         ExpectSame(text, "short");
         std::fill_n(text.GetBuffer(room), room, 'x');
-        text.ReleaseBuffer(0x7FFFFFFF);
+        text.ReleaseBuffer(INT_MAX);
         EXPECT_GE(text.GetLength(), room);
         EXPECT_EQ(text.GetLength(), text.GetAllocLength());
     }
-    CString shared(Sample(40));
-    CString other(shared);
-    other.ReleaseBuffer(5); // without a buffer taken before
-    ExpectSame(shared, Sample(40));
 }
 
 TEST(CString, SearchesSplitsAndReplaces)
@@ -207,11 +170,8 @@ TEST(CString, SearchesSplitsAndReplaces)
     EXPECT_EQ(path.Trim(), "C:/one/two.txt");
     EXPECT_EQ(path.ReverseFind('/'), 6);
     EXPECT_EQ(path.FindOneOf("xz."), 10);
-    EXPECT_EQ(path.SpanIncluding("C:/"), "C:/");
-    EXPECT_EQ(path.SpanExcluding("."), "C:/one/two");
-    EXPECT_EQ(CString("xxabxx").Trim('x'), "ab");
-    EXPECT_EQ(CString("xyabyx").TrimLeft("xy").TrimRight("xy"), "ab");
-    EXPECT_EQ(CString("xxxx").Trim('x'), "");
+    EXPECT_EQ(path.SpanIncluding("C:/") + path.SpanExcluding("."), "C:/C:/one/two");
+    EXPECT_EQ(CString("xxabxx").Trim('x') + CString("xyabyx").Trim("xy") + CString("xx").Trim('x'), "abab");
     CString text("aaaa");
     EXPECT_EQ(text.Replace("aa", "aab"), 2);
     EXPECT_EQ(text, "aabaab");
@@ -219,34 +179,45 @@ TEST(CString, SearchesSplitsAndReplaces)
     EXPECT_EQ(text.Replace('b', '\0'), 2);
     EXPECT_EQ(text, CString("aa\0aa\0", 6));
     EXPECT_EQ(CString("AbC").MakeLower() + CString("AbC").MakeUpper(), "abcABC");
+    std::ostringstream out;
+    out << CString("a\0b", 3) << CString("c");
+    EXPECT_EQ(out.str(), std::string("a\0bc", 4));
 
-    std::vector<std::string> pieces;
+    std::string pieces;
     int start = 0;
-    for (CString piece = CString("  a, b ").Tokenize(" ,", start); start != -1;
-         piece = CString("  a, b ").Tokenize(" ,", start))
-        pieces.emplace_back(piece);
-    EXPECT_EQ(pieces, (std::vector<std::string>{"a", "b"}));
+    while (start != -1) {
+        const CString piece = CString("  a, b ").Tokenize(" ,", start);
+        pieces += std::string(piece) + std::to_string(start) + '|';
+    }
+    EXPECT_EQ(pieces, "a4|b7|-1|");
+}
+
+CString ByFormatV(const char* format, ...)
+{
+    CString text("old");
+    std::va_list arguments;
+    va_start(arguments, format);
+    text.FormatV(format, arguments);
+    va_end(arguments);
+    return text;
 }
 
 TEST(CString, FormatsWhatPrintfFormats)
 {
-    const auto printed = [](auto... arguments) {
-        char text[400];
-        return std::string(text, static_cast<std::size_t>(std::snprintf(text, sizeof text, arguments...)));
-    };
-    const auto expectSame = [&](auto... arguments) {
+    const auto expectSame = [](auto... arguments) {
+        char printed[400];
+        std::snprintf(printed, sizeof printed, arguments...);
         CString text;
         text.Format(arguments...);
-        EXPECT_EQ(std::string(text), printed(arguments...));
+        EXPECT_EQ(text, printed);
+        EXPECT_EQ(ByFormatV(arguments...), printed);
     };
-    expectSame("%d|%5d|%-5d|%05d|%+d|% d", 7, -7, 7, -7, 7, 7);
+    expectSame("%d|%5d|%-5d|%05d|%+d|% d|%%", 7, -7, 7, -7, 7, 7);
     expectSame("%i %u %x %X %#x %o", -1, 4294967295u, -1, 255, 255, 8);
-    expectSame("%ld %lld %llu %zu %hd %hhd %hhx", -5L, -6LL, 18446744073709551615ULL, sizeof 1, 70000, 300,
-               -1);
+    expectSame("%ld %lld %llu %zu %hd %hhd %hhx", -5L, -6LL, ~0ULL, sizeof 1, 70000, 300, -1);
     expectSame("%f %.2f %10.3e %g %G %a", 1.5, -2.345, 12345.678, 1e-10, 1e20, 0.5);
-    expectSame("%c%c%%|%s|%10s|%-10s|%.2s|%*d|%-*d|%.*f", 'a', 66, "text", "right", "left", "cut", 6, 42, 6,
-               42, 1, 2.25);
-    expectSame("%300d", 1);
+    expectSame("%c%c|%s|%10s|%-10s|%.2s", 'a', 66, "text", "right", "left", "cut");
+    expectSame("%*d|%-*d|%.*f|%300d", 6, 42, 6, 42, 1, 2.25, 1);
 }
 
 TEST(CString, FormatsSafelyWhatPrintfCannot)
@@ -259,51 +230,21 @@ TEST(CString, FormatsSafelyWhatPrintfCannot)
     text.Format("%*d|%*y%d|%*d", -4, 7, 1);
     EXPECT_EQ(text, "7   |%*y1|%*d");
     text.Format("%n%s %", 1);
-    EXPECT_EQ(text, "%s %");
     text.AppendFormat("%s", static_cast<const char*>(nullptr));
     EXPECT_EQ(text, "%s %");
-}
-
-TEST(CString, MovesLeaveNothingBehind)
-{
-    for (const int length : Lengths) {
-        CString from(Sample(length));
-        CString to(std::move(from));
-        EXPECT_TRUE(from.IsEmpty()); // NOLINT(bugprone-use-after-move): that is what is tested
-        CString& same = to;
-        to = std::move(same);
-        to = same;
-        from = std::move(to);
-        ExpectSame(from, Sample(length));
-        ExpectSame(to, "");
-    }
 }
 
 TEST(CString, SharedTextMayBeUsedByManyThreads)
 {
     const CString shared(Sample(1000));
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([copy = shared, i] {
-            for (int turn = 0; turn < 2000; ++turn) {
-                CString own(copy);
-                own.SetAt(turn % 1000, static_cast<char>('0' + i));
-                const CString again(copy);
-                ASSERT_EQ(again.GetLength(), 1000);
-            }
-        });
-    for (auto& thread : threads)
-        thread.join();
+    const auto change = [copy = shared] {
+        for (int turn = 0; turn < 2000; ++turn)
+            CString(copy).SetAt(turn % 1000, '#');
+    };
+    std::thread other(change);
+    change();
+    other.join();
     ExpectSame(shared, Sample(1000));
-}
-
-TEST(CString, StreamsAndHashes)
-{
-    std::ostringstream out;
-    out << CString("a\0b", 3) << CString("c");
-    EXPECT_EQ(out.str(), std::string("a\0bc", 4));
-    const std::unordered_set<CString> set = {"one", "two", "one"};
-    EXPECT_EQ(set.size(), 2u);
 }
 
 } // namespace

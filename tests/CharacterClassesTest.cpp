@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
-#include <random>
-#include <string>
 
 #include "StringUtils.h"
+#include "support/Cases.h"
+#include "support/RandomTexts.h"
+#include "support/TextModels.h"
 
 namespace {
 
@@ -17,31 +19,44 @@ struct Exposed : StringUtils {
 const std::string Lowercase = "abcdefghijklmnopqrstuvwxyz";
 const std::string Uppercase = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 const std::string Digits = "0123456789";
-const std::string Space = "\t\n\v\f\r ";
-const std::string Punctuation = "!\"#$%&'()*+,-./:;<=>?@[\\]^_`{|}~";
 const std::string Breaks1252 = "\x85\x93\x94\x96\x97\xAD\xB1\xB7\xD7\xF7";
 
-bool Has(const std::string& set, int c)
+void ExpectClassesOf(int byte)
 {
-    return set.find(static_cast<char>(c)) != std::string::npos;
+    SCOPED_TRACE(byte);
+    const char c = static_cast<char>(byte);
+    EXPECT_EQ(StringUtils::IsAlpha(byte), Has(Lowercase + Uppercase, c));
+    EXPECT_EQ(StringUtils::IsDigit(byte), Has(Digits, c));
+    EXPECT_EQ(StringUtils::IsSpace(byte), Has(Space, c));
+    EXPECT_EQ(StringUtils::IsPunct(byte), Has(Punctuation, c));
+    EXPECT_EQ(StringUtils::IsRomanNumeral(byte), Has("CDILMVX", c));
+    EXPECT_EQ(StringUtils::IsLower(byte), !Has(Uppercase, c));
+    EXPECT_EQ(StringUtils::IsUpper(byte), !Has(Lowercase, c));
+    EXPECT_EQ(StringUtils::ToLower(byte), Has(Uppercase, c) ? Lowercase[Uppercase.find(c)] : byte);
+    EXPECT_EQ(StringUtils::ToUpper(byte), Has(Lowercase, c) ? Uppercase[Lowercase.find(c)] : byte);
+    EXPECT_EQ(StringUtils::IsSlash(c), Has("\\/", c));
+    EXPECT_EQ(StringUtils::IsSingleQuote(c), byte == 39);
+    EXPECT_EQ(StringUtils::IsDoubleQuote(c), byte == 34);
+    EXPECT_EQ(StringUtils::IsLineBreak(c), byte == 10 || byte == 13);
+    EXPECT_EQ(Exposed::IsWordBreak(c), Has(Breaks1252, c) || (Has(Space + Punctuation, c) && !Has("'_", c)));
+    for (const bool underscore : {false, true})
+        for (const bool dollar : {false, true})
+            EXPECT_EQ(Exposed::IsWholeWordDelimiter(c, underscore, dollar),
+                      c == '_'   ? underscore
+                      : c == '$' ? dollar
+                                 : Has(Space + Punctuation, c));
 }
 
 TEST(CharacterClasses, AreThoseOfAsciiForEveryByte)
 {
-    for (int c = 0; c <= 255; ++c) {
-        SCOPED_TRACE(c);
-        EXPECT_EQ(StringUtils::IsAlpha(c), Has(Lowercase + Uppercase, c));
-        EXPECT_EQ(StringUtils::IsDigit(c), Has(Digits, c));
-        EXPECT_EQ(StringUtils::IsSpace(c), Has(Space, c));
-        EXPECT_EQ(StringUtils::IsPunct(c), Has(Punctuation, c));
-        EXPECT_EQ(StringUtils::IsRomanNumeral(c), Has("CDILMVX", c));
-        EXPECT_EQ(StringUtils::IsLower(c), !Has(Uppercase, c));
-        EXPECT_EQ(StringUtils::IsUpper(c), !Has(Lowercase, c));
-        const auto upper = Uppercase.find(static_cast<char>(c));
-        const auto lower = Lowercase.find(static_cast<char>(c));
-        EXPECT_EQ(StringUtils::ToLower(c), upper == std::string::npos ? c : Lowercase[upper]);
-        EXPECT_EQ(StringUtils::ToUpper(c), lower == std::string::npos ? c : Uppercase[lower]);
-    }
+    for (int byte = 0; byte <= 255; ++byte)
+        ExpectClassesOf(byte);
+    for (int* table : {StringUtils::m_tableIsAlpha, StringUtils::m_tableIsDigit, StringUtils::m_tableIsSpace,
+                       StringUtils::m_tableLowercase, StringUtils::m_tableUppercase})
+        std::fill_n(table, 256, 300);
+    StringUtils::DoPreLoad(); // fills them again
+    for (int byte = 0; byte <= 255; ++byte)
+        ExpectClassesOf(byte);
 }
 
 TEST(CharacterClasses, HaveNoMembersOutsideTheBytes)
@@ -50,109 +65,60 @@ TEST(CharacterClasses, HaveNoMembersOutsideTheBytes)
         SCOPED_TRACE(c);
         EXPECT_FALSE(StringUtils::IsAlpha(c) || StringUtils::IsDigit(c) || StringUtils::IsSpace(c));
         EXPECT_FALSE(StringUtils::IsLower(c) || StringUtils::IsUpper(c) || StringUtils::IsPunct(c));
-        EXPECT_FALSE(StringUtils::IsRomanNumeral(c));
-        EXPECT_EQ(StringUtils::ToLower(c), 0);
-        EXPECT_EQ(StringUtils::ToUpper(c), 0);
+        EXPECT_FALSE(StringUtils::IsRomanNumeral(c) || Exposed::CompareNoCase(c, 'a'));
+        EXPECT_TRUE(StringUtils::ToLower(c) == 0 && StringUtils::ToUpper(c) == 0);
         EXPECT_TRUE(Exposed::CompareNoCase(c, 0) && Exposed::CompareNoCase(-2, c));
-        EXPECT_FALSE(Exposed::CompareNoCase(c, 'a'));
     }
-    EXPECT_TRUE(Exposed::CompareNoCase('A', 'a'));
-    EXPECT_FALSE(Exposed::CompareNoCase(0xC9, 0xE9));
-}
-
-TEST(CharacterClasses, OfWordsSeparateByTheirLists)
-{
-    for (int byte = 0; byte <= 255; ++byte) {
-        const char c = static_cast<char>(byte);
-        SCOPED_TRACE(byte);
-        EXPECT_EQ(Exposed::IsWordBreak(c),
-                  Has(Breaks1252, c) || (Has(Space + Punctuation, c) && !Has("'_", c)));
-        for (const bool underscore : {false, true})
-            for (const bool dollar : {false, true})
-                EXPECT_EQ(Exposed::IsWholeWordDelimiter(c, underscore, dollar),
-                          c == '_'   ? underscore
-                          : c == '$' ? dollar
-                                     : Has(Space + Punctuation, c));
-        EXPECT_EQ(StringUtils::IsSlash(c), Has("\\/", c));
-        EXPECT_EQ(StringUtils::IsSingleQuote(c), byte == 39);
-        EXPECT_EQ(StringUtils::IsDoubleQuote(c), byte == 34);
-        EXPECT_EQ(StringUtils::IsLineBreak(c), byte == 10 || byte == 13);
-    }
-}
-
-struct Orderings {
-    const char *a, *b;
-    bool lessNoCase, greaterNoCase, lessCase, greaterCase;
-};
-
-TEST(CharacterOrderings, AreThoseOfTheRuleWithItsOddities)
-{
-    const Orderings rows[] = {
-        {"", "", false, false, false, false},      {"", "a", true, false, true, false},
-        {"abc", "ABCD", true, false, true, false}, {"ABC", "abc", false, false, false, true},
-        {"a", "A", false, false, true, false},     {"A", "a", false, false, false, true},
-        {"bx", "Ay", false, true, true, true},     {"1b", "1a", false, true, true, true},
-        {"1a", "1b", true, false, true, true},     {"\xE9", "\xFC", false, false, false, false},
-        {"\xE9", " ", true, false, true, false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.a) + " against " + row.b);
-        EXPECT_EQ(StringUtils::IsLessThanNoCase(row.a, row.b), row.lessNoCase);
-        EXPECT_EQ(StringUtils::IsGreaterThanNoCase(row.a, row.b), row.greaterNoCase);
-        EXPECT_EQ(StringUtils::IsLessThanCase(row.a, row.b), row.lessCase);
-        EXPECT_EQ(StringUtils::IsGreaterThanCase(row.a, row.b), row.greaterCase);
-    }
+    EXPECT_TRUE(Exposed::CompareNoCase('A', 'a') && !Exposed::CompareNoCase(0xC9, 0xE9));
 }
 
 // The steps of both orderings with case; of the special one, which side must be lower and which upper.
 bool SlowCase(const std::string& a, const std::string& b, bool less)
 {
-    const auto lower = [](char c) {
-        const auto at = Uppercase.find(c);
-        return static_cast<unsigned char>(c) >= 128 ? 0 : at == std::string::npos ? c : Lowercase[at];
-    };
-    const auto isLower = [](char c) { return static_cast<unsigned char>(c) < 128 && !Has(Uppercase, c); };
-    const auto isUpper = [](char c) { return static_cast<unsigned char>(c) < 128 && !Has(Lowercase, c); };
+    const auto isLower = [](char c) { return c >= 0 && !Has(Uppercase, c); };
+    const auto isUpper = [](char c) { return c >= 0 && !Has(Lowercase, c); };
     for (std::size_t i = 0; i < a.size() && i < b.size(); ++i) {
-        if (less && isLower(a[i]) && isUpper(b[i])) {
-            if (!(a[i] > lower(b[i])))
-                return true;
-        } else if (!less && isUpper(a[i]) && isLower(b[i])) {
-            if (!(lower(a[i]) < b[i]))
-                return true;
-        } else if (lower(a[i]) != lower(b[i])) {
-            return (lower(a[i]) < lower(b[i])) == less;
-        }
+        const int left = LowerOf(a[i]);
+        const int right = LowerOf(b[i]);
+        const bool isSpecial = less ? isLower(a[i]) && isUpper(b[i]) : isUpper(a[i]) && isLower(b[i]);
+        if (isSpecial && (less ? a[i] <= right : left >= b[i]))
+            return true;
+        if (!isSpecial && left != right)
+            return (left < right) == less;
     }
     return less ? a.size() < b.size() : a.size() > b.size();
 }
 
-TEST(CharacterOrderings, WithCaseDecideAsTheStepsDo)
+int SlowNoCase(const std::string& a, const std::string& b)
+{
+    for (std::size_t i = 0; i < a.size() && i < b.size(); ++i)
+        if (LowerOf(a[i]) != LowerOf(b[i]))
+            return LowerOf(a[i]) - LowerOf(b[i]);
+    return static_cast<int>(a.size()) - static_cast<int>(b.size());
+}
+
+TEST(CharacterOrderings, DecideAsTheStepsDo)
 {
     const std::string alphabet("abAB1 \0\x80\xFF", 9);
-    const unsigned int seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
-    const auto make = [&] {
-        std::string text;
-        for (auto length = random() % 5; length > 0; --length)
-            text += alphabet[random() % alphabet.size()];
-        return text;
-    };
-    for (int round = 0; round < 200000; ++round) {
-        const std::string a = make();
-        const std::string b = make();
+    RandomTexts random;
+    for (int round = 0; round < 100000; ++round) {
+        const std::string a = random.Make(alphabet, random.Below(5));
+        const std::string b = random.Make(alphabet, random.Below(5));
         SCOPED_TRACE(testing::PrintToString(a) + " against " + testing::PrintToString(b));
         ASSERT_EQ(StringUtils::IsLessThanCase(a, b), SlowCase(a, b, true));
         ASSERT_EQ(StringUtils::IsGreaterThanCase(a, b), SlowCase(a, b, false));
+        ASSERT_EQ(StringUtils::IsLessThanNoCase(a, b), SlowNoCase(a, b) < 0);
+        ASSERT_EQ(StringUtils::IsGreaterThanNoCase(a, b), SlowNoCase(a, b) > 0);
     }
 }
 
-TEST(CharacterOrderings, OfMapsFollowTheRuntimeNotTheTables)
+TEST(CharacterOrderings, KeepTheirOddities)
 {
-    EXPECT_TRUE(NoCase()("a", "B"));
-    EXPECT_FALSE(NoCase()("A", "a") || NoCase()("a", "A"));
-    EXPECT_TRUE(NoCase()("\xE8", "\xE9")); // equal by the tables
+    EXPECT_TRUE(StringUtils::IsLessThanCase("bx", "Ay") && StringUtils::IsGreaterThanCase("bx", "Ay"));
+    EXPECT_TRUE(StringUtils::IsLessThanCase("1b", "1a") && StringUtils::IsGreaterThanCase("1a", "1b"));
+    EXPECT_TRUE(StringUtils::IsLessThanCase("a", "A") && !StringUtils::IsLessThanCase("A", "a"));
+    EXPECT_TRUE(NoCase()("a", "B") && !NoCase()("A", "a") && !NoCase()("a", "A"));
+    EXPECT_TRUE(NoCase()("\xE8", "\xE9")); // by the runtime: equal by the tables
 }
 
 TEST(WholeStrings, AreTestedAndTrimmedByTheTables)
@@ -161,20 +127,11 @@ TEST(WholeStrings, AreTestedAndTrimmedByTheTables)
         EXPECT_TRUE(StringUtils::IsYes(text)) << text;
     for (const char* text : {"No", "0", "", "false", "N", "\xFF"})
         EXPECT_FALSE(StringUtils::IsYes(text)) << text;
-    const struct {
-        CString text, trimmed;
-        bool isBlank;
-    } rows[] = {
-        {"", "", true},          {" \t\r\n\v\f", "", true},  {"  a b  ", "a b", false},
-        {"\xA0", "\xA0", false}, {" x\xA0", "x\xA0", false}, {CString("\0 ", 2), CString('\0'), false},
-        {"a", "a", false},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(StringUtils::IsEffectivelyEmpty(row.text), row.isBlank);
-        CString text = row.text;
-        StringUtils::Trim(text);
-        EXPECT_EQ(text, row.trimmed);
+    for (const auto& [text, left] : Cases<2>("trimmed")) {
+        EXPECT_EQ(StringUtils::IsEffectivelyEmpty(text), left.empty()) << text;
+        CString trimmed = text;
+        StringUtils::Trim(trimmed);
+        EXPECT_EQ(trimmed, left) << text;
     }
 }
 

@@ -4,10 +4,15 @@
 #include "CByteArray.h"
 #include "CStringArray.h"
 #include "CStringList.h"
+#include "support/TextModels.h"
 
 namespace {
 
-using Texts = std::vector<CString>;
+template <class Container>
+Texts Walked(const Container& list)
+{
+    return Texts(list.begin(), list.end());
+}
 
 TEST(Containers, ArrayGrowsWhereItSaysSo)
 {
@@ -17,7 +22,6 @@ TEST(Containers, ArrayGrowsWhereItSaysSo)
     bytes.InsertAt(5, 9, 2);
     EXPECT_EQ((std::vector<BYTE>(bytes.begin(), bytes.end())), (std::vector<BYTE>{0, 0, 7, 0, 0, 9, 9}));
     bytes.InsertAt(1, bytes);
-    EXPECT_EQ(bytes.GetSize(), 14);
     EXPECT_EQ(bytes.Append(bytes), 14);
     bytes.RemoveAt(3, 1000);
     EXPECT_EQ((std::vector<BYTE>(bytes.begin(), bytes.end())), (std::vector<BYTE>{0, 0, 0}));
@@ -35,16 +39,14 @@ TEST(Containers, ArrayIsNeutralOutside)
         texts[index] = "spare";
         EXPECT_EQ(texts[index], "");
         texts.RemoveAt(index, 5);
-        if (index < 0) {
-            texts.SetAtGrow(index, "x");
-            texts.InsertAt(index, "x");
-        }
+        texts.SetAtGrow(index < 0 ? index : -1, "x");
+        texts.InsertAt(index < 0 ? index : -1, "x");
     }
     texts.RemoveAt(0, -1);
-    EXPECT_EQ(Texts(texts.begin(), texts.end()), Texts{"a"});
+    EXPECT_EQ(Walked(texts), Texts{"a"});
     texts.InsertAt(0, texts[0], 3); // an element of the array itself
     texts.SetAtGrow(5, texts[0]);
-    EXPECT_EQ(Texts(texts.begin(), texts.end()), (Texts{"a", "a", "a", "a", "", "a"}));
+    EXPECT_EQ(Walked(texts), (Texts{"a", "a", "a", "a", "", "a"}));
 }
 
 TEST(Containers, ListWalksBothWaysAndChangesInPlace)
@@ -52,28 +54,25 @@ TEST(Containers, ListWalksBothWaysAndChangesInPlace)
     CStringList list;
     const POSITION b = list.AddTail("b");
     list.AddHead("a");
-    list.InsertAfter(b, "d");
     const POSITION c = list.InsertAfter(b, "c");
+    list.InsertAfter(c, "d");
     list.InsertBefore(nullptr, "first");
     list.InsertAfter(nullptr, "last");
-    Texts forward, backward;
+    CString forward, backward;
     for (POSITION at = list.GetHeadPosition(); at != nullptr;)
-        forward.push_back(list.GetNext(at));
+        forward += list.GetNext(at);
     for (POSITION at = list.GetTailPosition(); at;)
-        backward.push_back(list.GetPrev(at));
-    EXPECT_EQ(forward, (Texts{"first", "a", "b", "c", "d", "last"}));
-    EXPECT_EQ(backward, Texts(forward.rbegin(), forward.rend()));
-    EXPECT_TRUE(list.FindIndex(3) == c);
-    EXPECT_TRUE(list.FindIndex(6) == nullptr && list.FindIndex(-1) == nullptr);
+        backward += list.GetPrev(at);
+    EXPECT_EQ(forward + backward, "firstabcdlastlastdcbafirst");
+    EXPECT_TRUE(list.FindIndex(3) == c && list.FindIndex(6) == nullptr && list.FindIndex(-1) == nullptr);
     list.RemoveAt(c);
     list.SetAt(b, "d");
     EXPECT_TRUE(list.Find("d") == b);
     EXPECT_EQ(list.GetAt(list.Find("d", b)), "d");
     EXPECT_TRUE(list.Find("d", list.Find("d", b)) == nullptr);
-    EXPECT_EQ(list.RemoveHead(), "first");
-    EXPECT_EQ(list.RemoveTail(), "last");
+    EXPECT_EQ(list.RemoveHead() + list.RemoveTail(), "firstlast");
     list.AddTail(&list);
-    EXPECT_EQ(Texts(list.begin(), list.end()), (Texts{"a", "d", "d", "a", "d", "d"}));
+    EXPECT_EQ(Walked(list), (Texts{"a", "d", "d", "a", "d", "d"}));
 }
 
 TEST(Containers, ListIsNeutralWithoutAnElement)
@@ -82,11 +81,10 @@ TEST(Containers, ListIsNeutralWithoutAnElement)
     POSITION none;
     EXPECT_EQ(list.GetHead() + list.GetTail() + list.RemoveHead() + list.RemoveTail(), "");
     EXPECT_EQ(list.GetNext(none) + list.GetPrev(none) + list.GetAt(none), "");
-    EXPECT_TRUE(list.GetHeadPosition() == nullptr && list.GetTailPosition() == nullptr);
     list.SetAt(none, "x");
     list.RemoveAt(none);
     list.AddHead(static_cast<const CStringList*>(nullptr));
-    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_TRUE(list.IsEmpty() && list.GetHeadPosition() == nullptr && list.GetTailPosition() == nullptr);
 }
 
 } // namespace

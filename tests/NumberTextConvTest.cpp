@@ -2,10 +2,11 @@
 
 #include <climits>
 #include <cstring>
-#include <random>
 
 #include "CByteArray.h"
 #include "NumberTextConv.h"
+#include "support/Cases.h"
+#include "support/RandomTexts.h"
 #include "support/UserSettings.h"
 
 namespace {
@@ -17,50 +18,45 @@ protected:
         LocaleUtils::m_csDecimalSeparator = decimal;
         LocaleUtils::m_csThousandsSeparator = thousands;
     }
-    // A text of the characters that the rules speak of, and some others.
-    CString RandomText()
+    // The texts, and others of the characters that the rules speak of and some more.
+    std::vector<CString> AndRandom(std::vector<CString> texts)
     {
-        static constexpr char Characters[] = "01234567890123456789--().,, a\0\xE9\xB2";
-        std::string text(m_random() % 30, ' ');
-        for (char& c : text)
-            c = Characters[m_random() % (sizeof Characters - 1)];
-        return CString(text);
+        const std::string characters("01234567890123456789--().,, a\0\xE9\xB2", 33);
+        for (int i = 0; i < 20000; ++i)
+            texts.push_back(m_random.Make(characters, m_random.Below(30)));
+        return texts;
     }
 
     UserSettings m_user;
-    unsigned int m_seed = std::random_device{}();
-    std::mt19937 m_random{m_seed};
+    RandomTexts m_random;
 };
 
 TEST_F(NumberText, PadsWithWholePads)
 {
-    struct {
-        int value, minWidth;
-        const char *pad, *text;
-    } const cases[] = {{7, 3, "0", "007"},     {7, 4, "ab", "abab7"},
-                       {7, 3, "", "7"},        {7, 2, "abc", "abc7"},
-                       {7, 1, "0", "7"},       {7, 0, "0", "7"},
-                       {7, INT_MIN, "0", "7"}, {INT_MIN, 12, " ", " -2147483648"},
-                       {-5, 4, "xy", "xy-5"},  {-5, 5, "xy", "xyxy-5"}};
-    for (const auto& row : cases)
-        EXPECT_EQ(NumberTextConv::NumberToString(row.value, false, row.minWidth, row.pad), row.text)
-            << row.value << ' ' << row.minWidth << ' ' << row.pad;
+    for (const auto& [value, minWidth, pad, text] : Cases<4>("pads"))
+        EXPECT_EQ(NumberTextConv::NumberToString(std::stoi(value), false, std::stoi(minWidth), pad), text);
     EXPECT_EQ(NumberTextConv::NumberToString(1, false, 1'000'000, "ab").GetLength(), 1'000'001);
 }
 
 TEST_F(NumberText, OfAllWidthsReadsBack)
 {
-    SCOPED_TRACE(m_seed);
     for (int i = 0; i < 20000; ++i) {
-        const auto value = static_cast<int>(m_random() >> (m_random() % 32));
-        const uint64 wide = (uint64{m_random()} << 32 | m_random()) >> (m_random() % 64);
+        const uint64 wide = (uint64{m_random.Engine()()} << 32 | m_random.Engine()()) >> m_random.Below(64);
+        const int value = i < 2 ? INT_MIN + i : static_cast<int>(wide);
         EXPECT_EQ(NumberTextConv::NumberToString(value), std::to_string(value).c_str());
         EXPECT_EQ(NumberTextConv::NumberToString(wide), std::to_string(wide).c_str());
         EXPECT_EQ(NumberTextConv::GetNumberFromString(NumberTextConv::NumberToString(value, true)), value);
     }
-    for (const int value : {0, -1, INT_MAX, INT_MIN})
-        EXPECT_EQ(NumberTextConv::NumberToString(value), std::to_string(value).c_str());
     EXPECT_EQ(NumberTextConv::NumberToString(uint64{ULLONG_MAX}), "18446744073709551615");
+}
+
+// At most four characters of a separator are written, however many digits it stands between.
+TEST_F(NumberText, InGroupsTakesFourCharactersOfASeparator)
+{
+    UserSettings::WriteFile(m_user.International() / "sGrouping", "1;0");
+    Use(".", "<1234>");
+    EXPECT_EQ(NumberTextConv::NumberToString(-127, true), "-1<1232<1237");
+    EXPECT_EQ(NumberTextConv::NumberToString(uint64{ULLONG_MAX}, true).GetLength(), 20 + 19 * 4);
 }
 
 // From the last character to the first with a place value; in 64 bits, of which the caller takes the lower
@@ -70,9 +66,8 @@ uint64 PlaceByPlace(const CString& s)
     uint64 total = 0, place = 1;
     bool isNegative = false;
     for (int i = s.GetLength(); i-- > 0;) {
-        if (s[i] == '(' || s[i] == '-')
-            isNegative = true;
-        if (std::string("0123456789").find(s[i]) != std::string::npos) {
+        isNegative = isNegative || s[i] == '(' || s[i] == '-';
+        if (s[i] >= '0' && s[i] <= '9') {
             total += static_cast<uint64>(s[i] - '0') * place;
             place *= 10;
         }
@@ -82,67 +77,39 @@ uint64 PlaceByPlace(const CString& s)
 
 TEST_F(NumberText, ReadsIntegersAsTheRuleDoes)
 {
-    SCOPED_TRACE(m_seed);
-    CString digits;
-    for (int i = 0; i < 1'000'000; ++i)
-        digits += static_cast<char>('0' + m_random() % 10);
-    std::vector<CString> texts = {"",
-                                  "-",
-                                  "no digit",
-                                  "-12",
-                                  "1 2 3",
-                                  "(1,000)",
-                                  "5-",
-                                  "12a3",
-                                  "1.5",
-                                  "NaN",
-                                  "4294967297",
-                                  "-0",
-                                  "2147483648",
-                                  digits,
-                                  "\xB2"
-                                  "7"};
-    for (int i = 0; i < 20000; ++i)
-        texts.push_back(RandomText());
-    for (const CString& text : texts) {
+    const CString digits(m_random.Make(std::string("0123456789"), 1'000'000));
+    for (const CString& text : AndRandom({"", "-", "NaN", "4294967297", "-0", "2147483648", digits,
+                                          "\xB2"
+                                          "7"})) {
         EXPECT_EQ(NumberTextConv::GetNumber64FromString(text), static_cast<int64>(PlaceByPlace(text)));
         EXPECT_EQ(NumberTextConv::GetNumberFromString(text), static_cast<int>(PlaceByPlace(text)));
     }
-    EXPECT_EQ(NumberTextConv::GetNumberFromString("(1,000)"), -1000);
-    EXPECT_EQ(NumberTextConv::GetNumberFromString("4294967297"), 1);
-    EXPECT_EQ(NumberTextConv::GetNumberFromString("5-"), -5);
+    for (const auto& [text, value] : Cases<2>("integers"))
+        EXPECT_EQ(NumberTextConv::GetNumberFromString(text), std::stoi(value)) << text;
 }
 
 // Step by step as the rule says it, down to the replacement of a result near zero.
 double StepByStep(const CString& s, char decimal, char thousands, bool parenthesesNegative)
 {
     double result = 0, scale = 10;
-    bool started = false, negative = false, inFraction = false;
+    bool started = false, negative = false;
     for (const char c : s) {
         const bool isDigit = c >= '0' && c <= '9';
-        if (!started && !isDigit) {
-            negative |= c == '-' || (c == '(' && parenthesesNegative);
-            if (c == decimal && c != '-' && !(c == '(' && parenthesesNegative)) {
-                scale = 0.1;
-                inFraction = true;
-            }
+        const bool isSign = !started && (c == '-' || (c == '(' && parenthesesNegative));
+        started = started || isDigit;
+        if (isSign) {
+            negative = true;
+        } else if (started && c == thousands) {
             continue;
-        }
-        started = true;
-        if (c == thousands)
-            continue;
-        if (c == decimal) {
+        } else if (c == decimal && (started || !isDigit)) {
             scale = 0.1;
-            inFraction = true;
-            continue;
-        }
-        if (!isDigit)
+        } else if (started && !isDigit) {
             break;
-        if (inFraction) {
+        } else if (isDigit && scale < 1) {
             volatile double part = scale * (c - '0'); // rounded by itself
             result += part;
             scale *= 0.1;
-        } else {
+        } else if (isDigit) {
             result = result > -0.001 && result < 0.001 ? c - '0' : result * 10 + (c - '0');
         }
     }
@@ -151,24 +118,8 @@ double StepByStep(const CString& s, char decimal, char thousands, bool parenthes
 
 TEST_F(NumberText, ReadsDecimalsBitForBitAsTheRuleDoes)
 {
-    SCOPED_TRACE(m_seed);
-    std::vector<CString> texts = {"",
-                                  "abc 12",
-                                  ".5",
-                                  "5-",
-                                  "1,234.50",
-                                  "(3.5)",
-                                  "1.2.3",
-                                  "--5",
-                                  "NaN",
-                                  "-0",
-                                  ".",
-                                  "-.",
-                                  "0.1234567890123456789",
-                                  CString(std::string(400, '9')),
-                                  CString(std::string(100, '0')) + ".1"};
-    for (int i = 0; i < 20000; ++i)
-        texts.push_back(RandomText());
+    const auto texts = AndRandom({"", ".", "-.", "--5", "NaN", "-0", "1.2.3", "0.1234567890123456789",
+                                  CString('9', 400), CString('0', 100) + ".1"});
     const char* const separators[][2] = {{".", ","},    {",", "."}, {"::", "''''"},
                                          {",", "\xA0"}, {"-", "5"}, {".", "."}};
     for (const auto& [decimal, thousands] : separators) {
@@ -181,94 +132,60 @@ TEST_F(NumberText, ReadsDecimalsBitForBitAsTheRuleDoes)
                     << text << ' ' << expected << ' ' << read;
             }
     }
-}
-
-TEST_F(NumberText, ReadsTheKnownDecimals)
-{
-    struct {
-        const char* text;
-        bool parentheses;
-        double value;
-    } const cases[] = {
-        {"1,234.50", false, 1234.5}, {"(3.5)", true, -3.5}, {"(3.5)", false, 3.5}, {"5-", false, 5},
-        {"abc 12", false, 12},       {".5", false, 0.5},    {"1.5.5", false, 2},   {"1.5x7", false, 1.5}};
-    for (const auto& row : cases)
-        EXPECT_DOUBLE_EQ(NumberTextConv::GetDoubleFromString(row.text, row.parentheses), row.value)
-            << row.text;
+    Use(".", ",");
+    for (const auto& [text, value, withParentheses] : Cases<3>("decimals")) {
+        EXPECT_DOUBLE_EQ(NumberTextConv::GetDoubleFromString(text), std::stod(value)) << text;
+        EXPECT_DOUBLE_EQ(NumberTextConv::GetDoubleFromString(text, true), std::stod(withParentheses)) << text;
+    }
 }
 
 TEST_F(NumberText, LosesItsDecimalZeroes)
 {
-    struct {
-        const char *decimal, *text, *left;
-    } const cases[] = {{".", "12.500", "12.5"}, {".", "12.000", "12"}, {".", "120", "120"},
-                       {".", "1.0", "1"},       {".", "100", "100"},   {".", "", ""},
-                       {".", ".00", ""},        {".", "0.", "0"},      {".", "1.20x", "1.20x"},
-                       {",", "1.50", "1.50"},   {"::", "1::00", "1:"}, {"::", "1:00", "1:00"}};
-    for (const auto& row : cases) {
-        Use(row.decimal, ",");
-        CString text = row.text;
+    UserSettings::WriteFile(m_user.International() / "sDecimal", ""); // the user has none
+    for (const auto& [decimal, before, after] : Cases<3>("decimal zeroes")) {
+        Use(decimal.c_str(), ",");
+        CString text = before;
         NumberTextConv::RemoveDecimalZeroes(text);
-        EXPECT_EQ(text, row.left) << row.text;
+        EXPECT_EQ(text, after) << before;
     }
 }
 
 TEST_F(NumberText, ReadsHexadecimalInThirtyTwoBits)
 {
-    struct {
-        const char* text;
-        long value;
-    } const cases[] = {{"0x1F", 31},
-                       {"0x1f", 31},
-                       {"1F", 0},
-                       {"0x", 0},
-                       {"0X1F", 0},
-                       {"", 0},
-                       {"0xg", 0},
-                       {"0x-5", 0},
-                       {"0x 5", 0},
-                       {"-0x1F", 0},
-                       {"0x7FFFFFFF", 0x7FFFFFFF},
-                       {"0x80000000", 0x7FFFFFFF},
-                       {"0xFFFFFFFF", 0x7FFFFFFF},
-                       {"0x00000000000012", 18},
-                       {"0x12\xB2", 18},
-                       {"0x12z4", 18},
-                       {" 0x1F", 0}};
-    for (const auto& row : cases)
-        EXPECT_EQ(NumberTextConv::ConvertFromHex(row.text), row.value) << row.text;
-    EXPECT_EQ(NumberTextConv::ConvertFromHex(CString("0x") + CString('F', 1'000'000)), 0x7FFFFFFF);
+    for (const auto& [text, value] : Cases<2>("hexadecimal"))
+        EXPECT_EQ(NumberTextConv::ConvertFromHex(text), std::stol(value)) << text;
+    EXPECT_EQ(NumberTextConv::ConvertFromHex("0x" + CString('F', 1'000'000)), 0x7FFFFFFF);
 }
 
-template <class Signed>
-void ExpectCounts()
+template <class Integer>
+void ExpectCount(Integer value)
 {
-    using Unsigned = std::make_unsigned_t<Signed>;
-    for (const auto value : {std::numeric_limits<Signed>::min(), Signed{-10}, Signed{-9}, Signed{-1},
-                             Signed{0}, std::numeric_limits<Signed>::max()}) {
+    const int length = static_cast<int>(std::to_string(value).size());
+    if constexpr (std::is_signed_v<Integer>) {
         bool negative = value >= 0;
-        const std::size_t length = std::to_string(value).size() - (value < 0 ? 1 : 0);
-        EXPECT_EQ(NumberTextConv::GetDigitCount(value, negative), static_cast<int>(length));
-        EXPECT_EQ(negative, value < 0);
+        EXPECT_EQ(NumberTextConv::GetDigitCount(value, negative), length - (value < 0)) << value;
+        EXPECT_EQ(negative, value < 0) << value;
+    } else {
+        EXPECT_EQ(NumberTextConv::GetDigitCount(value), length) << value;
     }
-    int digits = 1;
-    for (Unsigned power = 10; digits < std::numeric_limits<Unsigned>::digits10 + 1; power *= 10, ++digits) {
-        EXPECT_EQ(NumberTextConv::GetDigitCount(static_cast<Unsigned>(power - 1)), digits);
-        EXPECT_EQ(NumberTextConv::GetDigitCount(power), digits + 1);
-    }
-    EXPECT_EQ(NumberTextConv::GetDigitCount(std::numeric_limits<Unsigned>::max()), digits);
 }
 
 TEST_F(NumberText, HasAsManyDigitsAsItIsWrittenWith)
 {
-    ExpectCounts<int>();
-    ExpectCounts<long>();
-    ExpectCounts<int64>();
-    EXPECT_EQ(NumberTextConv::GetDigitCount(0), 1);
-    for (const char* text : {"", "abc", "\xB2\xB3\xB9", "\xFF"})
-        EXPECT_FALSE(NumberTextConv::HasDigit(text));
-    for (const char* text : {"0", "x9", "9x"})
-        EXPECT_TRUE(NumberTextConv::HasDigit(text));
+    std::vector<uint64> values = {0, 0x7FFFFFFF, 0x80000000, uint64{1} << 63, (uint64{1} << 63) - 1};
+    for (uint64 power = 1, digits = 1; digits <= 20; power *= 10, ++digits)
+        values.insert(values.end(), {power - 1, power, 0 - power, 1 - power});
+    for (const uint64 value : values) {
+        ExpectCount(static_cast<int>(value));
+        ExpectCount(static_cast<long>(value));
+        ExpectCount(static_cast<int64>(value));
+        ExpectCount(static_cast<unsigned int>(value));
+        ExpectCount(static_cast<unsigned long>(value));
+        ExpectCount(value);
+    }
+    for (const char* text : {"", "abc", "\xB2\xB3\xB9", "\xFF", "0", "x9", "9x"})
+        EXPECT_EQ(NumberTextConv::HasDigit(text), text[0] == '0' || std::strchr(text, '9') != nullptr)
+            << text;
 }
 
 TEST_F(NumberText, OfBytesIsReversible)
@@ -277,25 +194,19 @@ TEST_F(NumberText, OfBytesIsReversible)
     CString text = "before";
     NumberTextConv::ConvertByteArrayToString(bytes, text);
     EXPECT_EQ(text, "");
-    for (const BYTE byte : std::initializer_list<BYTE>{12, 0, 255})
-        bytes.Add(byte);
-    NumberTextConv::ConvertByteArrayToString(bytes, text);
-    EXPECT_EQ(text, "12, 0, 255");
     for (int count = 0; count < 600; ++count) {
-        bytes.Add(static_cast<BYTE>(count));
+        bytes.Add(static_cast<BYTE>(count * 255 + 12));
         NumberTextConv::ConvertByteArrayToString(bytes, text);
         NumberTextConv::ConvertStringToByteArray(text, read);
         ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), read.begin(), read.end())) << count;
     }
-    struct {
-        const char* text;
-        std::vector<BYTE> bytes;
-    } const cases[] = {
-        {"", {}},   {"256, -1", {0, 255}}, {"1,2", {12}}, {"1, , 3", {1, 0, 3}}, {"7, ", {7, 0}},
-        {"x", {0}}, {", ", {0, 0}}};
-    for (const auto& row : cases) {
-        NumberTextConv::ConvertStringToByteArray(row.text, read);
-        EXPECT_EQ(std::vector<BYTE>(read.begin(), read.end()), row.bytes) << row.text;
+    EXPECT_EQ(text.Left(9), "12, 11, 1");
+    for (const auto& [bytesText, expected] : Cases<2>("byte arrays")) {
+        NumberTextConv::ConvertStringToByteArray(bytesText, read);
+        CString line;
+        for (const BYTE byte : read)
+            line.AppendFormat(line.IsEmpty() ? "%d" : ";%d", byte);
+        EXPECT_EQ(line, expected) << bytesText;
     }
 }
 

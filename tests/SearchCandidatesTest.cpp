@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
-#include <string>
-#include <vector>
 
 #include "framework/TextSearch.h"
+#include "support/RandomTexts.h"
 
 namespace {
 
@@ -15,19 +13,16 @@ using TextSearch::Candidates;
 // Every instruction set the processor has must give the same blocks; the library itself uses the best only.
 TEST(SearchCandidates, AreTheSameWithEveryInstructionSet)
 {
-    const unsigned int seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
+    RandomTexts random;
     for (int round = 0; round < 2000; ++round) {
-        std::vector<char> text(300 + random() % 1000); // a vector, so that sanitizers see reads behind it
-        const bool isDense = random() % 2 == 0;
-        for (char& c : text)
-            c = static_cast<char>(isDense ? 'a' + random() % 3 : random());
-        const std::size_t offset = random() % 16;
+        const std::string made = random.OneIn(2)
+                                     ? random.Make(std::string("abc"), 300 + random.Below(1000))
+                                     : random.Make(Words("a A b B \x80 \xFF"), 300 + random.Below(1000));
+        const std::vector<char> text(made.begin(), made.end()); // so that sanitizers see reads behind it
+        const std::size_t offset = random.Below(16);
         const Candidates::Pair pair{text.data(), text.data() + offset, {'a', 0x20}, {'b', 0}};
-        const std::size_t end = text.size() - offset - random() % 9;
-        std::size_t from = random() % 64;
-        while (from < end) {
+        const std::size_t end = text.size() - offset - random.Below(9);
+        for (std::size_t from = random.Below(64); from < end;) {
             Candidates::Bits expected{};
             const std::size_t base = Candidates::UsableScans().back()(pair, from, end, expected);
             for (const auto scan : Candidates::UsableScans()) {
@@ -43,8 +38,24 @@ TEST(SearchCandidates, AreTheSameWithEveryInstructionSet)
     }
 }
 
+void ExpectOccurrences(const std::string& text, const std::string& wanted, const ByteFold& fold)
+{
+    const auto isEqual = [&](char a, char b) { return fold(a) == fold(b); };
+    TextSearch::Occurrences occurrences(text, wanted, fold);
+    auto slow = text.begin();
+    for (std::size_t from = 0; from != TextSearch::None; from += wanted.size()) {
+        slow = std::search(slow, text.end(), wanted.begin(), wanted.end(), isEqual);
+        ASSERT_EQ(occurrences.Next(from),
+                  slow == text.end() ? TextSearch::None : std::size_t(slow - text.begin()));
+        if (slow == text.end())
+            return;
+        from = std::size_t(slow - text.begin());
+        slow += static_cast<std::ptrdiff_t>(wanted.size());
+    }
+}
+
 // Ranges of bytes that count the same, as locales have them, and one that no bit operation can tell.
-TEST(SearchCandidates, NeverMissAnOccurrenceUnderAnyFold)
+TEST(SearchOccurrences, AreFoundUnderAnyFold)
 {
     const ByteFold folds[] = {
         ByteFold([](unsigned int byte) { return byte; }),
@@ -53,55 +64,25 @@ TEST(SearchCandidates, NeverMissAnOccurrenceUnderAnyFold)
         ByteFold([](unsigned int byte) { return byte % 7; }),
         ByteFold([](unsigned int) { return 42u; }),
     };
-    const unsigned int seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
-    for (int round = 0; round < 4000; ++round) {
-        const ByteFold& fold = folds[random() % std::size(folds)];
-        std::string text(random() % 700, '\0');
-        for (char& c : text)
-            c = "aIi\xFD\xDD\x07\x0E\0"[random() % 8];
-        std::string wanted(1 + random() % 6, '\0');
-        for (char& c : wanted)
-            c = "aIi\xFD\xDD\x07\x0E\0"[random() % 8];
-        const auto isEqual = [&](char a, char b) { return fold(a) == fold(b); };
-        TextSearch::Occurrences occurrences(text, wanted, fold);
-        auto slow = text.cbegin();
-        for (std::size_t from = 0;; from += wanted.size()) {
-            slow = std::search(slow, text.cend(), wanted.begin(), wanted.end(), isEqual);
-            from = occurrences.Next(from);
-            ASSERT_EQ(from, slow == text.cend() ? TextSearch::None
-                                                : static_cast<std::size_t>(slow - text.cbegin()));
-            if (from == TextSearch::None)
-                break;
-            slow += static_cast<std::ptrdiff_t>(wanted.size());
-        }
-    }
+    const std::string alphabet("aIi\xFD\xDD\x07\x0E\0", 8);
+    RandomTexts random;
+    for (int round = 0; round < 4000 && !HasFatalFailure(); ++round)
+        ExpectOccurrences(random.Make(alphabet, random.Below(700)),
+                          random.Make(alphabet, 1 + random.Below(6)), random.Pick(folds));
 }
 
 // Texts made of fronts of a periodic pattern: comparing goes far at most places, so the automaton takes over.
 TEST(SearchOccurrences, AreExactInTextsThatAlmostMatchEverywhere)
 {
-    const unsigned int seed = std::random_device()();
-    SCOPED_TRACE(testing::Message() << "seed " << seed);
-    std::mt19937 random(seed);
-    for (int round = 0; round < 60; ++round) {
-        const std::string units[] = {"a", "ab", "aab", "aabaa", "abaab"};
-        const std::string& unit = units[random() % std::size(units)];
-        std::string wanted;
-        for (std::size_t length = 100 + random() % 200; wanted.size() < length;)
-            wanted += random() % 50 == 0 ? std::string("b") : unit;
-        std::string text;
+    RandomTexts random;
+    for (int round = 0; round < 60 && !HasFatalFailure(); ++round) {
+        const std::string unit = random.Pick(Words("a ab aab aabaa abaab"));
+        std::string wanted, text;
+        for (std::size_t length = 100 + random.Below(200); wanted.size() < length;)
+            wanted += random.OneIn(50) ? "b" : unit;
         while (text.size() < 40000)
-            text += random() % 20 == 0 ? wanted : wanted.substr(0, wanted.size() - random() % 60);
-        TextSearch::Occurrences occurrences(text, wanted);
-        for (std::size_t from = 0;; from += wanted.size()) {
-            const std::size_t slow = text.find(wanted, from);
-            from = occurrences.Next(from);
-            ASSERT_EQ(from, slow);
-            if (from == TextSearch::None)
-                break;
-        }
+            text += random.OneIn(20) ? wanted : wanted.substr(0, wanted.size() - random.Below(60));
+        ExpectOccurrences(text, wanted, TextSearch::Exact);
     }
 }
 
