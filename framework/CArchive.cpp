@@ -1,10 +1,11 @@
 #include "CArchive.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 #include "CFile.h"
-#include "framework/AnsiText.h"
+#include "platform/Platform.h"
 
 namespace {
 
@@ -334,10 +335,18 @@ void CArchive::LoadNarrowText(CString& text, uint64 length)
 void CArchive::LoadWideText(CString& text, uint64 length)
 {
     CString loaded;
-    for (uint64 i = 0; i < length; ++i) {
-        WORD unit = 0;
-        *this >> unit;
-        loaded.AppendChar(AnsiText::FromUnit(unit));
+    WCHAR units[256];
+    char bytes[std::size(units)];
+    for (uint64 left = length; left > 0;) {
+        const auto count = static_cast<int>(std::min<uint64>(left, std::size(units)));
+        for (int i = 0; i < count; ++i) {
+            WORD unit = 0;
+            *this >> unit;
+            units[i] = static_cast<WCHAR>(unit);
+        }
+        WideCharToMultiByte(CP_ACP, 0, units, count, bytes, count, nullptr, nullptr);
+        loaded.Append(bytes, count);
+        left -= static_cast<uint64>(count);
     }
     text = std::move(loaded);
 }

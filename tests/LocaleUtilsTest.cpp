@@ -209,7 +209,7 @@ TEST_F(Locale, FallsBackToTheLanguageAndThenToEnglish)
                        {"de_AT@euro", "Sonntag", "Austria"},
                        {"de_FR.ISO-8859-1", "Sonntag", "France"},
                        {"sr_RS@latin", "nedelja", "Serbia"},
-                       {"eo", "diman?o", "United States"},
+                       {"eo", "dimanco", "United States"},
                        {"xx_YY", "Sunday", "United States"},
                        {"xx", "Sunday", "United States"},
                        {"deutsch", "Sunday", "United States"},

@@ -49,6 +49,8 @@ constexpr Pair Pairs[] = {
     {EEXIST, ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
     {-1, ERROR_DIRECTORY, "The directory name is invalid."},
     {EFAULT, ERROR_NOACCESS, "Invalid access to memory location."},
+    {-1, ERROR_NO_UNICODE_TRANSLATION,
+     "No mapping for the Unicode character exists in the target multi-byte code page."},
     {EIO, ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
     {ELOOP, ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
 };

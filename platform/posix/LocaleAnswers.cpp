@@ -1,8 +1,10 @@
 #include "platform/posix/LocaleAnswers.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "platform/posix/LocaleTables.h"
+#include "platform/posix/PosixCodePages.h"
 
 namespace {
 
@@ -103,6 +105,15 @@ std::string_view TextBehind(std::string_view pattern, const Field& field)
     return pattern.substr(end, NextField(pattern, end).begin - end);
 }
 
+// A longer text than any answer is cut off.
+std::string InCodePage(std::u16string_view text)
+{
+    char narrow[LocaleAnswers::MaxText];
+    const auto length = static_cast<int>(std::min(text.size(), sizeof narrow));
+    return {narrow, static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, text.data(), length, narrow,
+                                                                 sizeof narrow, nullptr, nullptr))};
+}
+
 } // namespace
 
 void LocaleAnswers::Set(LCTYPE item, std::string_view text)
@@ -143,8 +154,8 @@ void LocaleAnswers::ReadTimeFormat()
 LocaleAnswers AnswersForLocale(const std::string& name, const IcuInterface* (*icu)())
 {
     LocaleAnswers answers;
-    const auto take = [](void* context, DWORD item, const char* text) {
-        static_cast<LocaleAnswers*>(context)->Set(item, text);
+    const auto take = [](void* context, DWORD item, const char16_t* text) {
+        static_cast<LocaleAnswers*>(context)->Set(item, InCodePage(text));
     };
     SetAmerican(answers); // for all that is not told otherwise
     if (const IcuInterface* const source = IsAmerican(name) ? nullptr : icu())

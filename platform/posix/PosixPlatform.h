@@ -53,6 +53,7 @@ DWORD FormatMessageA(DWORD flags, const void* source, DWORD message, DWORD langu
 // ---- text under the runtime's current locale ------------------------------------------------------------
 int _stricmp(const char* a, const char* b) noexcept;
 
+#include "platform/posix/PosixCodePages.h"
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixLocale.h"
 #include "platform/posix/PosixLocks.h"

@@ -15,6 +15,7 @@
 #include <unicode/ulocdata.h>
 #include <unicode/unum.h>
 #include <unicode/ures.h>
+#include <unicode/utf16.h>
 
 #include "platform/posix/IcuInterface.h"
 #include "platform/posix/PosixLocale.h"
@@ -144,44 +145,19 @@ bool ReadLocale(std::string_view name, Locale& locale)
 
 // ---- telling --------------------------------------------------------------------------------------------
 
-// One '?' for each unit that has no place in the code page, as on the original platform; ICU's own callback
-// leaves out what is invisible.
-void Substitute(const void*, UConverterFromUnicodeArgs* arguments, const UChar*, int32_t length, UChar32,
-                UConverterCallbackReason reason, UErrorCode* status)
-{
-    if (reason > UCNV_IRREGULAR)
-        return;
-    *status = U_ZERO_ERROR;
-    for (int32_t i = 0; i < length; ++i)
-        ucnv_cbFromUWriteBytes(arguments, "?", 1, 0, status);
-}
-
 class Teller {
 public:
-    Teller(IcuInterface::TakeFact take, void* context) : m_take(take), m_context(context)
+    Teller(IcuInterface::TakeFact take, void* context) : m_take(take), m_context(context) {}
+    void Tell(LCTYPE item, const std::u16string& text) const { m_take(m_context, item, text.c_str()); }
+    void Tell(LCTYPE item, const std::string& ascii) const
     {
-        UErrorCode status = U_ZERO_ERROR;
-        m_converter.reset(ucnv_open("windows-1252", &status));
-        if (m_converter != nullptr)
-            ucnv_setFromUCallBack(m_converter.get(), Substitute, nullptr, nullptr, nullptr, &status);
+        Tell(item, std::u16string(ascii.begin(), ascii.end()));
     }
-    void Tell(LCTYPE item, const std::string& text) const { m_take(m_context, item, text.c_str()); }
     void Tell(LCTYPE item, int number) const { Tell(item, std::to_string(number)); }
-    void Tell(LCTYPE item, const std::u16string& text) const { Tell(item, Narrow(text)); }
 
 private:
-    std::string Narrow(const std::u16string& text) const
-    {
-        char buffer[2 * MaxText];
-        UErrorCode status = U_ZERO_ERROR;
-        const int32_t length = ucnv_fromUChars(m_converter.get(), buffer, sizeof buffer, text.data(),
-                                               static_cast<int32_t>(text.size()), &status);
-        return U_FAILURE(status) ? std::string() : std::string(buffer, static_cast<std::size_t>(length));
-    }
-
     IcuInterface::TakeFact m_take;
     void* m_context;
-    Converter m_converter;
 };
 
 // ---- names ----------------------------------------------------------------------------------------------
@@ -481,7 +457,58 @@ bool DescribeLocale(const char* name, IcuInterface::TakeFact take, void* context
     return true;
 }
 
-constexpr IcuInterface Interface = {IcuInterface::CurrentVersion, DescribeLocale};
+// ---- code pages -----------------------------------------------------------------------------------------
+
+void FillWide(UConverter* converter, char16_t* wide)
+{
+    for (std::size_t i = 0; i < IcuInterface::WideCount; ++i) {
+        const auto byte = static_cast<char>(i);
+        char16_t units[2] = {};
+        UErrorCode status = U_ZERO_ERROR;
+        const int32_t count = ucnv_toUChars(converter, units, 2, &byte, 1, &status);
+        wide[i] = U_SUCCESS(status) && count == 1 ? units[0] : u'\uFFFD';
+    }
+}
+
+// A zero for each unit that has no byte; ICU's own callbacks leave out what is invisible.
+void WriteZeros(const void*, UConverterFromUnicodeArgs* arguments, const UChar*, int32_t length, UChar32,
+                UConverterCallbackReason reason, UErrorCode* status)
+{
+    if (reason > UCNV_IRREGULAR)
+        return;
+    *status = U_ZERO_ERROR;
+    for (int32_t i = 0; i < length; ++i)
+        ucnv_cbFromUWriteBytes(arguments, "\0", 1, 0, status);
+}
+
+// All units in one text; the halves of surrogate pairs are left out, as they would go together.
+bool FillNarrow(UConverter* converter, BYTE* narrow)
+{
+    std::u16string units(IcuInterface::NarrowCount, u'\uFFFF');
+    for (std::size_t i = 0; i < units.size(); ++i)
+        if (!U16_IS_SURROGATE(i))
+            units[i] = static_cast<char16_t>(i);
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(converter, WriteZeros, nullptr, nullptr, nullptr, &status);
+    ucnv_setFallback(converter, true);
+    const auto count = static_cast<int32_t>(units.size());
+    const int32_t written =
+        ucnv_fromUChars(converter, reinterpret_cast<char*>(narrow), count, units.data(), count, &status);
+    return U_SUCCESS(status) && written == count;
+}
+
+bool DescribeCodePage(const char* name, char16_t* wide, BYTE* narrow)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const Converter converter(ucnv_open(name, &status));
+    if (U_FAILURE(status) || ucnv_getMaxCharSize(converter.get()) != 1)
+        return false;
+    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    FillWide(converter.get(), wide);
+    return U_SUCCESS(status) && FillNarrow(converter.get(), narrow);
+}
+
+constexpr IcuInterface Interface = {IcuInterface::CurrentVersion, DescribeLocale, DescribeCodePage};
 
 } // namespace
 

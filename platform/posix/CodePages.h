@@ -1,0 +1,117 @@
+// What stands behind the operations of PosixCodePages.h: a page's tables, and the two forms of Unicode.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "platform/posix/PosixCodePages.h"
+
+namespace CodePages {
+
+inline constexpr char16_t Replacement = 0xFFFD;
+
+// The fullwidth forms of '!' to '~', which look like those in every page.
+inline constexpr char16_t FirstFullwidth = 0xFF01;
+inline constexpr char16_t LastFullwidth = 0xFF5E;
+constexpr BYTE FullwidthByte(char16_t unit) noexcept
+{
+    return static_cast<BYTE>(unit - FirstFullwidth + '!');
+}
+
+// A page of one byte per character. The tables of bytes are in blocks of 256, so that the many units without
+// a byte share one.
+struct SingleBytePage {
+    const char16_t* wide; // of each byte
+    const BYTE* blockOf;  // of the high byte of a unit: which block
+    const BYTE* blocks;   // of the low byte: its byte; 0 for none, and for U+0000
+
+    BYTE ByteOf(char16_t unit) const noexcept { return blocks[blockOf[unit >> 8] << 8 | (unit & 0xFF)]; }
+};
+
+extern const SingleBytePage Windows1252;
+
+// The page of that number, other than 1252 and UTF-8; nullptr if there is none. May throw std::bad_alloc.
+const SingleBytePage* Find(UINT page);
+
+// ---- ASCII, sixteen at a time ---------------------------------------------------------------------------
+
+inline constexpr std::size_t Block = 16;
+
+// Whether any of the sixteen is no ASCII.
+inline bool IsAscii(const char* bytes) noexcept
+{
+    std::uint64_t words[Block / sizeof(std::uint64_t)];
+    std::memcpy(words, bytes, sizeof words);
+    return ((words[0] | words[1]) & 0x8080808080808080) == 0;
+}
+
+inline bool IsAscii(const char16_t* units) noexcept
+{
+    std::uint64_t words[Block * sizeof(char16_t) / sizeof(std::uint64_t)];
+    std::memcpy(words, units, sizeof words);
+    return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80) == 0;
+}
+
+// Copies the blocks of ASCII that a text begins with; says how many units those are.
+template <class From, class To>
+std::size_t CopyAscii(const From* text, std::size_t length, To* to) noexcept
+{
+    std::size_t done = 0;
+    for (; length - done >= Block && IsAscii(text + done); done += Block)
+        if (to != nullptr)
+            for (std::size_t i = done; i < done + Block; ++i)
+                to[i] = static_cast<To>(text[i]);
+    return done;
+}
+
+// ---- where a conversion writes --------------------------------------------------------------------------
+
+// Counts everything and writes what there is room for; without a buffer it only counts.
+template <class Unit>
+class Output {
+public:
+    Output(Unit* buffer, std::size_t room) noexcept : m_buffer(room == 0 ? nullptr : buffer), m_room(room) {}
+
+    std::size_t Count() const noexcept { return m_count; }
+    void Put(Unit unit) noexcept
+    {
+        if (m_count < m_room)
+            m_buffer[m_count] = unit;
+        ++m_count;
+    }
+    // The blocks of ASCII at the start of the text, as far as there is room for them; how many units.
+    template <class From>
+    std::size_t PutAscii(const From* text, std::size_t length) noexcept
+    {
+        const std::size_t most =
+            m_buffer == nullptr ? length : std::min(length, m_room - std::min(m_count, m_room));
+        const std::size_t done = CopyAscii(text, most, m_buffer == nullptr ? nullptr : m_buffer + m_count);
+        m_count += done;
+        return done;
+    }
+
+private:
+    Unit* m_buffer;
+    std::size_t m_room;
+    std::size_t m_count = 0;
+};
+
+// The blocks of ASCII in one go; where there is something else, a block's length piece by piece:
+// `putPiece(text, length, output)` converts what a text begins with and says how many units of it that is.
+template <class From, class To, class PutPiece>
+void Convert(const From* text, std::size_t length, Output<To>& output, PutPiece putPiece) noexcept
+{
+    for (std::size_t done = 0; done < length;) {
+        done += output.PutAscii(text + done, length - done);
+        for (const std::size_t end = std::min(done + Block, length); done < end;)
+            done += putPiece(text + done, length - done, output);
+    }
+}
+
+// Whether nothing had to be replaced.
+bool Utf8ToUtf16(const char* text, std::size_t length, Output<char16_t>& output) noexcept;
+bool Utf16ToUtf8(const char16_t* text, std::size_t length, Output<char>& output) noexcept;
+
+} // namespace CodePages
