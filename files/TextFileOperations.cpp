@@ -1,7 +1,7 @@
 // The public face of the text files.
-#include <exception>
+#include <memory>
 #include <new>
-#include <optional>
+#include <stdexcept>
 
 #include "CStdioFile.h"
 #include "DirUtils.h"
@@ -22,8 +22,8 @@ bool FileUtils::IsFileUnicode(const CString& path, int& encoding)
     encoding = TextEncoding::Automatic;
     FileHandle file;
     if (CanBeOpenedAsText(path))
-        file = FileHandle(CreateFileA(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                                      nullptr));
+        file = FileHandle(
+            CreateFileA(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.IsOpen()) {
         FailureMarkers::ReportWithLastError("{30AF5017-BA9E-4562-B859-800D0E8B175C}");
         return false;

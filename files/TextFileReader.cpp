@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr std::size_t ReadSize = 1 << 17; // what is read at once: whole units, and little enough for the cache
+constexpr std::size_t ReadSize =
+    1 << 17; // what is read at once: whole units, and little enough for the cache
 constexpr char16_t CarriageReturn = '\r';
 constexpr char16_t LineFeed = '\n';
 constexpr std::size_t MostUnits = CString::MaxLength;
@@ -17,7 +18,8 @@ std::size_t FillSize(int bufferSize, std::size_t unitSize)
 {
     if (bufferSize < 0)
         return 0;
-    const std::size_t size = bufferSize == 0 ? TextFileReader::UsualFill : static_cast<std::size_t>(bufferSize);
+    const std::size_t size =
+        bufferSize == 0 ? TextFileReader::UsualFill : static_cast<std::size_t>(bufferSize);
     return std::max(size / unitSize * unitSize, unitSize);
 }
 
@@ -58,7 +60,8 @@ int TextFileReader::Fill()
     m_bufferAt += m_end;
     m_begin = m_end = 0;
     DWORD count = 0;
-    if (!ReadFile(m_file, m_buffer.get() + m_halfUnit, static_cast<DWORD>(ReadSize - m_halfUnit), &count, nullptr))
+    if (!ReadFile(m_file, m_buffer.get() + m_halfUnit, static_cast<DWORD>(ReadSize - m_halfUnit), &count,
+                  nullptr))
         return ReadError;
     m_isAtEnd = count == 0;
     const std::size_t held = m_halfUnit + count;
@@ -72,7 +75,8 @@ const char* TextFileReader::FindLineFeed() const
 {
     const char* const end = m_buffer.get() + m_end;
     for (const char* from = m_buffer.get() + m_begin; from < end;) {
-        const auto* const found = static_cast<const char*>(std::memchr(from, LineFeed, static_cast<std::size_t>(end - from)));
+        const auto* const found =
+            static_cast<const char*>(std::memchr(from, LineFeed, static_cast<std::size_t>(end - from)));
         if (found == nullptr)
             return nullptr;
         const auto offset = static_cast<std::size_t>(found - m_buffer.get());

@@ -53,8 +53,8 @@ protected:
     int ReadRawLine(std::string_view& raw);
     // The steps from there to the caller's string, each with a Result.
     static int DeliverAsItIs(std::string_view raw, CString& line, int* usedDefault);
-    static int Convert(std::u16string_view wide, CString& line, unsigned int codePage, const char* defaultChar,
-                       int* usedDefault);
+    static int Convert(std::u16string_view wide, CString& line, unsigned int codePage,
+                       const char* defaultChar, int* usedDefault);
     // The whole of ReadLine for 16-bit units.
     int ReadWideLine(std::endian byteOrder, CString& line, unsigned int codePage, const char* defaultChar,
                      int* usedDefault);
@@ -72,12 +72,12 @@ private:
     HANDLE m_file;
     const std::size_t m_unitSize;
     std::size_t m_fillSize;
-    uint64 m_nextFill = 0;          // the first fill that the position asked for last is not behind
+    uint64 m_nextFill = 0;            // the first fill that the position asked for last is not behind
     std::unique_ptr<char[]> m_buffer; // made at the first read
-    uint64 m_bufferAt = 0;          // the position of its first byte
-    std::size_t m_begin = 0;        // of what is unread in it
-    std::size_t m_end = 0;          // of its whole units
-    std::size_t m_halfUnit = 0;     // bytes behind them: of a unit whose rest is to come
+    uint64 m_bufferAt = 0;            // the position of its first byte
+    std::size_t m_begin = 0;          // of what is unread in it
+    std::size_t m_end = 0;            // of its whole units
+    std::size_t m_halfUnit = 0;       // bytes behind them: of a unit whose rest is to come
     bool m_isAtEnd = false;
     std::string m_line; // of a line that lies in more than one read, what came with the earlier ones
 };

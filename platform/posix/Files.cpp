@@ -276,8 +276,8 @@ BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void
         return Fail(ERROR_INVALID_PARAMETER);
     const HeldSignals held;
     return Transfer(handle, count, done, [&](DWORD moved) {
-        const ssize_t step = write(OpenFiles::DescriptorOf(handle), static_cast<const char*>(buffer) + moved,
-                                   count - moved);
+        const ssize_t step =
+            write(OpenFiles::DescriptorOf(handle), static_cast<const char*>(buffer) + moved, count - moved);
         if (step < 0)
             held.TakeAway(errno);
         return step;
