@@ -100,6 +100,17 @@ int TextFile::Close()
     return isWritten && isClosed ? Done : SystemError;
 }
 
+uint64 TextFile::GetSize() const
+{
+    LARGE_INTEGER size = {};
+    return m_file.IsOpen() && GetFileSizeEx(m_file.Get(), &size) ? static_cast<uint64>(size.QuadPart) : 0;
+}
+
+uint64 TextFile::GetPosition() const
+{
+    return m_reader ? m_reader->GetPosition() : 0;
+}
+
 // ---- lines ----------------------------------------------------------------------------------------------
 
 void TextFile::SetCodePage(unsigned int codePage, const CString& defaultChar)
@@ -120,10 +131,9 @@ int TextFile::ReadLine(CString& line)
 
 int TextFile::WriteLine(const CString& line)
 {
-    constexpr std::string_view lineEnd = "\r\n";
     if (!m_writer || m_writer->BeforeText(m_isMarkPending) != TextFileWriter::Written ||
         m_writer->WriteText(line, line.GetLength(), m_codePage) != TextFileWriter::Written ||
-        m_writer->WriteText(lineEnd.data(), lineEnd.size(), m_codePage) != TextFileWriter::Written)
+        m_writer->EndLine() != TextFileWriter::Written)
         return SystemError;
     ++m_linesWritten;
     return Done;

@@ -36,6 +36,8 @@ public:
 
     int GetEncoding() const { return m_encoding; } // after opening for reading, what was found
     const CString& GetFileName() const { return m_fileName; }
+    uint64 GetSize() const;                            // in bytes; 0 when it is not known
+    uint64 GetPosition() const;                        // of the reader, counted behind the mark
     DWORD GetLinesRead() const { return m_linesRead; } // since it was opened, modulo 2^32
     DWORD GetLinesWritten() const { return m_linesWritten; }
     // From now on. No default character is the system's own, a question mark.

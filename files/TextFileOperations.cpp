@@ -1,4 +1,5 @@
 // The public face of the text files.
+#include <algorithm>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -56,6 +57,15 @@ bool IsFileToRead(const CString& path)
     return false;
 }
 
+// Makes room for the lines of the whole file, if they are like the first ones, but never for more than the
+// file's own size: for lines shorter than a CString the array grows as it is filled.
+void ReserveAsFor(const TextFile& file, TextArray& firstLines)
+{
+    const uint64 size = file.GetSize();
+    const uint64 expected = size / std::max<uint64>(file.GetPosition(), 1) * firstLines.GetCount();
+    firstLines.Reserve(std::min(expected, size / sizeof(CString)));
+}
+
 void ReadDetecting(const CString& path, TextArray& lines, int* encoding)
 {
     const std::unique_ptr<TextFile> file(new (std::nothrow) TextFile);
@@ -65,8 +75,12 @@ void ReadDetecting(const CString& path, TextArray& lines, int* encoding)
         return FailureMarkers::Report("{2338D1D7-19AA-4A3A-A146-A1C9BC7162F3}");
     if (encoding != nullptr)
         *encoding = file->GetEncoding();
-    for (CString line; file->ReadLine(line) == TextFile::Done;)
+    constexpr std::size_t sample = 1000;
+    for (CString line; file->ReadLine(line) == TextFile::Done;) {
         lines.Add(std::move(line));
+        if (lines.GetCount() == sample)
+            ReserveAsFor(*file, lines);
+    }
 }
 
 void ReportNotOpened(const CString& path, const CFileException& error)

@@ -4,15 +4,13 @@
 #include <algorithm>
 #include <cstring>
 
-#include "files/AsciiText.h"
-
 namespace {
 
 constexpr std::size_t ReadSize =
     1 << 17; // what is read at once: whole units, and little enough for the cache
 constexpr char16_t CarriageReturn = '\r';
 constexpr char16_t LineFeed = '\n';
-constexpr std::size_t MostUnits = CString::MaxLength;
+constexpr std::size_t MostGathered = CString::MaxLength - ReadSize; // units: with one read more a CString's
 
 std::size_t FillSize(int bufferSize, std::size_t unitSize)
 {
@@ -125,7 +123,7 @@ int TextFileReader::ReadRawLine(std::string_view& raw)
             m_line.append(m_buffer.get() + m_begin, m_end - m_begin);
             m_begin = m_end;
         }
-        if (m_line.size() / m_unitSize > MostUnits)
+        if (m_line.size() / m_unitSize > MostGathered)
             return ReadError;
         const int result = Fill();
         if (result == EndOfFile && !m_line.empty()) {
@@ -138,28 +136,6 @@ int TextFileReader::ReadRawLine(std::string_view& raw)
 }
 
 // ---- from the raw line to the caller's ------------------------------------------------------------------
-
-int TextFileReader::DeliverAsItIs(std::string_view raw, CString& line, int* usedDefault)
-{
-    if (raw.size() > MostUnits)
-        return ReadError;
-    line = CString(raw);
-    if (usedDefault != nullptr)
-        *usedDefault = FALSE;
-    return LineDelivered;
-}
-
-// In a page that keeps such text as it is.
-static CString NarrowAscii(std::u16string_view wide)
-{
-    const auto length = static_cast<int>(wide.size());
-    CString narrow;
-    char* const to = narrow.GetBuffer(length);
-    for (std::size_t i = 0; i < wide.size(); ++i)
-        to[i] = static_cast<char>(wide[i]);
-    narrow.ReleaseBuffer(length);
-    return narrow;
-}
 
 // Empty when the system does not convert it.
 static CString NarrowBySystem(std::u16string_view wide, unsigned int codePage, const char* defaultChar,
@@ -183,19 +159,14 @@ static CString NarrowBySystem(std::u16string_view wide, unsigned int codePage, c
 int TextFileReader::Convert(std::u16string_view wide, CString& line, unsigned int codePage,
                             const char* defaultChar, int* usedDefault)
 {
-    if (wide.size() > MostUnits)
-        return ReadError;
-    if (usedDefault != nullptr)
-        *usedDefault = FALSE;
-    if (AsciiText::IsKeptBy(codePage) && AsciiText::Is(wide)) {
-        line = NarrowAscii(wide);
-        return LineDelivered;
-    }
+    int isDefaultUsed = FALSE;
     const bool isUtf8 = codePage == CP_UTF8; // which lacks nothing, and whose conversion takes neither
     CString narrow =
-        NarrowBySystem(wide, codePage, isUtf8 ? nullptr : defaultChar, isUtf8 ? nullptr : usedDefault);
+        NarrowBySystem(wide, codePage, isUtf8 ? nullptr : defaultChar, isUtf8 ? nullptr : &isDefaultUsed);
     if (narrow.IsEmpty() && !wide.empty())
         return ReadError;
-    line = std::move(narrow);
+    Deliver(std::move(narrow), line, usedDefault);
+    if (usedDefault != nullptr)
+        *usedDefault = isDefaultUsed;
     return LineDelivered;
 }

@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "CString.h"
 #include "platform/Platform.h"
@@ -46,13 +47,21 @@ public:
     // in UTF-16 besides the result, and keeps it for the next.
     virtual int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault);
 
+    uint64 GetPosition() const { return m_bufferAt + m_begin; } // what was read, in bytes
+
 protected:
     TextFileReader(const CString& fileName, HANDLE file, int bufferSize, std::size_t unitSize);
 
     // The bytes of the next line without its end; they hold until the next call.
     int ReadRawLine(std::string_view& raw);
     // The steps from there to the caller's string, each with a Result.
-    static int DeliverAsItIs(std::string_view raw, CString& line, int* usedDefault);
+    static int Deliver(CString&& text, CString& line, int* usedDefault)
+    {
+        line = std::move(text);
+        if (usedDefault != nullptr)
+            *usedDefault = FALSE;
+        return LineDelivered;
+    }
     static int Convert(std::u16string_view wide, CString& line, unsigned int codePage,
                        const char* defaultChar, int* usedDefault);
     // The whole of ReadLine for 16-bit units.

@@ -91,7 +91,7 @@ int ANSI_TextFileReader::ReadLine(CString& line, unsigned int, const char*, int*
 {
     std::string_view raw;
     const int result = ReadRawLine(raw);
-    return result == LineDelivered ? DeliverAsItIs(raw, line, usedDefault) : result;
+    return result == LineDelivered ? Deliver(CString(raw), line, usedDefault) : result;
 }
 
 int UTF8_TextFileReader::ReadLine(CString& line, unsigned int codePage, const char* defaultChar,
@@ -101,7 +101,7 @@ int UTF8_TextFileReader::ReadLine(CString& line, unsigned int codePage, const ch
     if (const int result = ReadRawLine(raw); result != LineDelivered)
         return result;
     if (AsciiText::IsKeptBy(codePage) && AsciiText::Is(raw))
-        return DeliverAsItIs(raw, line, usedDefault);
+        return Deliver(CString(raw), line, usedDefault);
     m_wide.resize(raw.size());
     m_wide.resize(DecodeUtf8(raw, m_wide.data()));
     return Convert(m_wide, line, codePage, defaultChar, usedDefault);
@@ -119,14 +119,31 @@ char16_t UTF16BE_TextFileReader::UnitAt(const char* bytes) const
     return static_cast<char16_t>(ByteAt(bytes) << 8 | ByteAt(bytes + 1));
 }
 
+// The low bytes of 16-bit units: the text, in a page that keeps ASCII.
+static CString LowBytes(std::string_view raw, std::endian byteOrder)
+{
+    const char* const low = raw.data() + (byteOrder == std::endian::big);
+    const std::size_t length = raw.size() / 2;
+    CString text;
+    char* const to = text.GetBuffer(static_cast<int>(length));
+    for (std::size_t i = 0; i < length; ++i)
+        to[i] = low[2 * i];
+    text.ReleaseBuffer(static_cast<int>(length));
+    return text;
+}
+
 int TextFileReader::ReadWideLine(std::endian byteOrder, CString& line, unsigned int codePage,
                                  const char* defaultChar, int* usedDefault)
 {
     std::string_view raw;
     if (const int result = ReadRawLine(raw); result != LineDelivered)
         return result;
+    const auto& forbidden =
+        byteOrder == std::endian::big ? AsciiText::ForbiddenInBigEndian : AsciiText::ForbiddenInLittleEndian;
+    if (AsciiText::IsKeptBy(codePage) && AsciiText::Is(raw, forbidden))
+        return Deliver(LowBytes(raw, byteOrder), line, usedDefault);
     m_wide.resize(raw.size() / sizeof(WCHAR));
-    std::memcpy(m_wide.data(), raw.data(), m_wide.size() * sizeof(WCHAR));
+    std::memcpy(m_wide.data(), raw.data(), raw.size());
     if (byteOrder != std::endian::native)
         for (WCHAR& unit : m_wide)
             unit = static_cast<WCHAR>(unit << 8 | unit >> 8);

@@ -7,7 +7,10 @@
 #include "files/AsciiText.h"
 #include "files/TextEncoding.h"
 
-static constexpr std::size_t BufferSize = 1 << 17;
+TextFileWriter::TextFileWriter(HANDLE file, std::string_view lineEnd)
+    : m_file(file), m_lineEndSize(lineEnd.copy(m_lineEnd, sizeof m_lineEnd)), m_buffer(new char[BufferSize])
+{
+}
 
 TextFileWriter::~TextFileWriter() = default;
 
@@ -38,16 +41,13 @@ int TextFileWriter::Flush()
     return m_hasFailed ? WriteError : Written;
 }
 
-int TextFileWriter::Put(std::string_view bytes)
+// What the buffer has no room for.
+int TextFileWriter::PutPastBuffer(std::string_view bytes)
 {
-    if (!m_buffer)
-        m_buffer.reset(new char[BufferSize]);
-    if (bytes.size() > BufferSize - m_used)
-        Flush();
-    if (bytes.size() > BufferSize)
-        WriteOut(bytes);
-    else if (!m_hasFailed)
-        m_used += bytes.copy(m_buffer.get() + m_used, bytes.size());
+    Flush();
+    if (!m_hasFailed && bytes.size() <= BufferSize)
+        return Put(bytes);
+    WriteOut(bytes);
     return m_hasFailed ? WriteError : Written;
 }
 

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,7 +17,6 @@ class TextFileWriter {
 public:
     enum Result : int { Written = 0, WriteError = -2 };
 
-    explicit TextFileWriter(HANDLE file) : m_file(file) {}
     TextFileWriter(const TextFileWriter&) = delete;
     TextFileWriter& operator=(const TextFileWriter&) = delete;
     virtual ~TextFileWriter();
@@ -31,18 +31,40 @@ public:
     // The step before any text of a line: writes the mark if it is pending, which it is not any more.
     virtual int BeforeText(bool& isMarkPending);
 
+    int EndLine() // CR LF
+    {
+        if (m_hasFailed || BufferSize - m_used < sizeof m_lineEnd)
+            return PutPastBuffer({m_lineEnd, m_lineEndSize});
+        std::memcpy(m_buffer.get() + m_used, m_lineEnd, sizeof m_lineEnd); // all of it: no call for two bytes
+        m_used += m_lineEndSize;
+        return Written;
+    }
     int Flush();
 
 protected:
-    int Put(std::string_view bytes);
+    TextFileWriter(HANDLE file, std::string_view lineEnd);
+
+    int Put(std::string_view bytes)
+    {
+        if (m_hasFailed || bytes.size() > BufferSize - m_used)
+            return PutPastBuffer(bytes);
+        std::memcpy(m_buffer.get() + m_used, bytes.data(), bytes.size());
+        m_used += bytes.size();
+        return Written;
+    }
     // The whole of WriteText for 16-bit units.
     int WriteWide(std::endian byteOrder, std::string_view text, unsigned int codePage);
 
 private:
+    static constexpr std::size_t BufferSize = 1 << 17;
+
+    int PutPastBuffer(std::string_view bytes);
     void WriteOut(std::string_view bytes);
 
     HANDLE m_file;
-    std::unique_ptr<char[]> m_buffer; // made at the first use
+    char m_lineEnd[4] = {}; // in the encoding
+    std::size_t m_lineEndSize;
+    std::unique_ptr<char[]> m_buffer;
     std::size_t m_used = 0;
     bool m_hasFailed = false;
     std::u16string m_wide; // a run in UTF-16; its room is used again
@@ -51,7 +73,7 @@ private:
 // The bytes as they are, whatever the code page.
 class ANSI_TextFileWriter : public TextFileWriter {
 public:
-    using TextFileWriter::TextFileWriter;
+    explicit ANSI_TextFileWriter(HANDLE file) : TextFileWriter(file, "\r\n") {}
     int WriteText(const char* text, int length, unsigned int codePage) override;
 
 protected:
@@ -62,7 +84,7 @@ protected:
 // characters of 80 to 9F (the euro sign, curly quotes) become control characters.
 class UTF8_TextFileWriter : public TextFileWriter {
 public:
-    using TextFileWriter::TextFileWriter;
+    explicit UTF8_TextFileWriter(HANDLE file) : TextFileWriter(file, "\r\n") {}
     int WriteText(const char* text, int length, unsigned int codePage) override;
 
 protected:
@@ -71,7 +93,7 @@ protected:
 
 class UTF16LE_TextFileWriter : public TextFileWriter {
 public:
-    using TextFileWriter::TextFileWriter;
+    explicit UTF16LE_TextFileWriter(HANDLE file) : TextFileWriter(file, std::string_view("\r\0\n\0", 4)) {}
     int WriteText(const char* text, int length, unsigned int codePage) override;
 
 protected:
@@ -80,7 +102,7 @@ protected:
 
 class UTF16BE_TextFileWriter : public TextFileWriter {
 public:
-    using TextFileWriter::TextFileWriter;
+    explicit UTF16BE_TextFileWriter(HANDLE file) : TextFileWriter(file, std::string_view("\0\r\0\n", 4)) {}
     int WriteText(const char* text, int length, unsigned int codePage) override;
 
 protected:
