@@ -1,4 +1,5 @@
 // recent_files FOLDER [WILDCARD]
+// recent_files convert FILE --to ENCODING      (see Convert.cpp)
 //
 // Lists the files below a folder in natural order, shows what a wildcard matches (default *read*) and which
 // names occur twice, "opens" some of the matches, and remembers them: the next run begins with the recent and
@@ -13,6 +14,7 @@
 #include <stdexcept>
 #include <unordered_map>
 
+#include "Convert.h"
 #include "Regional.h"
 
 namespace {
@@ -209,8 +211,10 @@ void Run(CString folder, const CString& wildcard)
 
 int main(int argc, char** argv)
 {
+    if (argc > 1 && CString(argv[1]) == "convert")
+        return Convert::Run(argc - 2, argv + 2);
     if (argc < 2 || argc > 3) {
-        std::fputs("usage: recent_files FOLDER [WILDCARD]\n", stderr);
+        std::fprintf(stderr, "usage: recent_files FOLDER [WILDCARD]\n%s", Convert::Usage);
         return 2;
     }
     try {
