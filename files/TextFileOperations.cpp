@@ -57,13 +57,13 @@ bool IsFileToRead(const CString& path)
     return false;
 }
 
-// Makes room for the lines of the whole file, if they are like the first ones, but never for more than the
-// file's own size: for lines shorter than a CString the array grows as it is filled.
+// Makes room for the lines of the whole file, if they are like the first ones, and an eighth more; but never
+// for more than the file's own size: for lines shorter than a CString the array grows as it is filled.
 void ReserveAsFor(const TextFile& file, TextArray& firstLines)
 {
     const uint64 size = file.GetSize();
     const uint64 expected = size / std::max<uint64>(file.GetPosition(), 1) * firstLines.GetCount();
-    firstLines.Reserve(std::min(expected, size / sizeof(CString)));
+    firstLines.Reserve(std::min(expected + expected / 8, size / sizeof(CString)));
 }
 
 void ReadDetecting(const CString& path, TextArray& lines, int* encoding)

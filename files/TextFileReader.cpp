@@ -6,8 +6,7 @@
 
 namespace {
 
-constexpr std::size_t ReadSize =
-    1 << 17; // what is read at once: whole units, and little enough for the cache
+constexpr std::size_t ReadSize = 1 << 17; // at once: whole units, and few enough for the cache
 constexpr char16_t CarriageReturn = '\r';
 constexpr char16_t LineFeed = '\n';
 constexpr std::size_t MostGathered = CString::MaxLength - ReadSize; // units: with one read more a CString's
@@ -78,7 +77,7 @@ const char* TextFileReader::FindLineFeed() const
         if (found == nullptr)
             return nullptr;
         const auto offset = static_cast<std::size_t>(found - m_buffer.get());
-        const char* const unit = found - offset % m_unitSize; // it may be either byte of one
+        const char* const unit = found - (offset & (m_unitSize - 1)); // it may be either byte of one
         if (UnitAt(unit) == LineFeed)
             return unit;
         from = unit + m_unitSize;

@@ -119,17 +119,15 @@ char16_t UTF16BE_TextFileReader::UnitAt(const char* bytes) const
     return static_cast<char16_t>(ByteAt(bytes) << 8 | ByteAt(bytes + 1));
 }
 
-// The low bytes of 16-bit units: the text, in a page that keeps ASCII.
-static CString LowBytes(std::string_view raw, std::endian byteOrder)
+// False when there is more than ASCII; `to` then holds nothing of use.
+static bool CopyAscii(std::u16string_view wide, char* to)
 {
-    const char* const low = raw.data() + (byteOrder == std::endian::big);
-    const std::size_t length = raw.size() / 2;
-    CString text;
-    char* const to = text.GetBuffer(static_cast<int>(length));
-    for (std::size_t i = 0; i < length; ++i)
-        to[i] = low[2 * i];
-    text.ReleaseBuffer(static_cast<int>(length));
-    return text;
+    char16_t all = 0;
+    for (std::size_t i = 0; i < wide.size(); ++i) { // without a way out on the way: so many are taken at once
+        all = static_cast<char16_t>(all | wide[i]);
+        to[i] = static_cast<char>(wide[i]);
+    }
+    return all < 0x80;
 }
 
 int TextFileReader::ReadWideLine(std::endian byteOrder, CString& line, unsigned int codePage,
@@ -138,15 +136,14 @@ int TextFileReader::ReadWideLine(std::endian byteOrder, CString& line, unsigned 
     std::string_view raw;
     if (const int result = ReadRawLine(raw); result != LineDelivered)
         return result;
-    const auto& forbidden =
-        byteOrder == std::endian::big ? AsciiText::ForbiddenInBigEndian : AsciiText::ForbiddenInLittleEndian;
-    if (AsciiText::IsKeptBy(codePage) && AsciiText::Is(raw, forbidden))
-        return Deliver(LowBytes(raw, byteOrder), line, usedDefault);
     m_wide.resize(raw.size() / sizeof(WCHAR));
     std::memcpy(m_wide.data(), raw.data(), raw.size());
     if (byteOrder != std::endian::native)
         for (WCHAR& unit : m_wide)
             unit = static_cast<WCHAR>(unit << 8 | unit >> 8);
+    char ascii[512]; // longer lines can wait for the system's conversion
+    if (m_wide.size() <= sizeof ascii && AsciiText::IsKeptBy(codePage) && CopyAscii(m_wide, ascii))
+        return Deliver(CString(std::string_view(ascii, m_wide.size())), line, usedDefault);
     return Convert(m_wide, line, codePage, defaultChar, usedDefault);
 }
 

@@ -79,8 +79,8 @@ public:
     // docs/text-files.md. A CR stays in its line when its LF is the byte 4096, 8192, ... behind the mark;
     // without detection it goes there too.
     //
-    // Takes the memory of the lines, and a buffer; a line that is no ASCII, or longer than the buffer, takes
-    // its own length (three times that for one in UTF-8) besides, as long as it is read.
+    // Takes the memory of the lines, and a buffer; a line that is longer than the buffer, or holds more than
+    // ASCII, takes up to three times its length in the file besides, as long as the file is read.
     static void ReadFileContent(const CString& path, TextArray& lines, bool detectEncoding = true,
                                 int* encoding = nullptr);
 

@@ -258,13 +258,8 @@ TEST_F(TextFileReaders, EndLinesAndDecodeAsTheyAlwaysDid)
         {"\n\r\n\n", 1, {"", "", ""}},
         {std::string("a\0b\n\0", 5), 1, {std::string("a\0b", 3), std::string(1, '\0')}},
         {mark + "\xC3\xA9\xE2\x82\xAC", 4, {"\xE9\x80"}},
-        {mark + "\x80\xA9\xBF\xBF", 4, {")?"}}, // 80 and BF lead two: U+0029, U+07FF
-        {mark + "\xC3"
-                "A"
-                "\xE2"
-                "AB",
-         4,
-         {"\xC1?"}}, // any byte follows: U+00C1, U+2042
+        {mark + "\x80\xA9\xBF\xBF", 4, {")?"}},        // 80 and BF lead two: U+0029, U+07FF
+        {mark + "\xC3\x41\xE2\x41\x42", 4, {"\xC1?"}}, // any byte follows: U+00C1, U+2042
         {mark + "a\xC3\nb\xE2\x82\n\xF0\n\xC3", 4, {"aa", "bb", "?", "?"}},
         {mark + "\xF8\xFE\xFFz\xF0", 4, {"???zz"}},
         {mark + "\xF0\x9F\x98\x80\xC3\n\xF7\xBF\xBF\xBF", 4, {"????", "??"}}, // each half of a pair is a ?
@@ -279,66 +274,63 @@ TEST_F(TextFileReaders, EndLinesAndDecodeAsTheyAlwaysDid)
 
 TEST_F(TextFileReaders, ConvertToTheCodePageThatIsAskedFor)
 {
-    folder.Write("file", "\xEF\xBB\xBF\xD0\x96"
-                         "a\xE2\x82\xAC\nabc\n\xF0\x9F\x98\x80\n\xE2\x82\xAC");
-    TextFile file;
-    ASSERT_EQ(file.Open(CString(folder.Path("file")), TextFile::Read, TextEncoding::Automatic),
-              TextFile::Done);
-    CString line;
-    file.SetCodePage(1251, "_");
-    ASSERT_EQ(file.ReadLine(line), TextFile::Done);
-    EXPECT_EQ(line, "\xC6"
-                    "a\x88");
-    file.SetCodePage(28591, "_");
-    ASSERT_EQ(file.ReadLine(line), TextFile::Done);
-    EXPECT_EQ(line, "abc");
-    file.SetCodePage(CP_UTF8, "_");
-    ASSERT_EQ(file.ReadLine(line), TextFile::Done);
-    EXPECT_EQ(line, "\xF0\x9F\x98\x80"); // more bytes than units
-    file.SetCodePage(4711);
-    EXPECT_EQ(file.ReadLine(line), TextFile::SystemError);
-    EXPECT_EQ(line, "\xF0\x9F\x98\x80");
-    EXPECT_EQ(file.GetLinesRead(), 3U);
-
-    int usedDefault = 77;
-    folder.Write("file", "\xD0\x96\nabc");
+    const struct {
+        unsigned int codePage;
+        int result;
+        const char* line;
+        int usedDefault;
+    } rows[] = {
+        {1251, 0, "\xC6\x88", FALSE},
+        {CP_ACP, 0, "_\x80", TRUE},
+        {CP_ACP, 0, "abc", FALSE},
+        {28591, 0, "abc", FALSE},
+        {CP_UTF8, 0, "\xF0\x9F\x98\x80", FALSE}, // more bytes than units
+        {4711, TextFileReader::ReadError, "\xF0\x9F\x98\x80", FALSE},
+    };
+    folder.Write("file", "\xD0\x96\xE2\x82\xAC\n\xD0\x96\xE2\x82\xAC\nabc\nabc\n\xF0\x9F\x98\x80\n\xC3\xA4");
     const FileHandle handle = Open();
     UTF8_TextFileReader reader("", handle.Get());
-    ASSERT_EQ(reader.ReadLine(line, CP_ACP, "_", &usedDefault), 0);
-    EXPECT_EQ(line, "_");
-    EXPECT_EQ(usedDefault, TRUE);
-    ASSERT_EQ(reader.ReadLine(line, CP_ACP, "_", &usedDefault), 0);
-    EXPECT_EQ(usedDefault, FALSE);
+    CString line;
+    for (const auto& row : rows) {
+        int usedDefault = FALSE;
+        EXPECT_EQ(reader.ReadLine(line, row.codePage, "_", &usedDefault), row.result);
+        EXPECT_EQ(line, row.line);
+        EXPECT_EQ(usedDefault, row.usedDefault);
+    }
 }
 
 TEST_F(TextFileReaders, OpenWhatWasAskedFor)
 {
-    const std::string text = "A\n";
-    for (const int encoding : AllEncodings) {
-        const std::string bytes(Encoded(text, encoding));
-        const std::string mark(TextEncoding::MarkOf(encoding));
-        for (const int wanted : {0, 1, 2, 3, 4, 5, 6, 7, -1})
-            for (const bool isMarked : {true, false})
-                for (const unsigned int options : {0U, TextFile::NoMarkExpected}) {
-                    SCOPED_TRACE(testing::Message() << encoding << ' ' << wanted << isMarked << options);
-                    folder.Write("file", (isMarked ? mark : "") + bytes);
-                    TextFile file;
-                    const bool hasMark = isMarked && encoding != TextEncoding::Ansi;
-                    const bool opens =
-                        wanted == 0 || wanted == 1 ||
-                        (wanted >= 2 && wanted <= 4 && ((hasMark && wanted == encoding) || options != 0));
-                    EXPECT_EQ(file.Open(CString(folder.Path("file")), TextFile::Read, wanted, options),
-                              opens ? TextFile::Done : TextFile::WrongEncoding);
-                    if (opens) {
-                        EXPECT_EQ(file.GetEncoding(), wanted != 0 ? wanted : hasMark ? encoding : 1);
-                    }
-                    CString line;
-                    if (wanted == encoding && hasMark) {
-                        EXPECT_EQ(file.ReadLine(line), TextFile::Done);
-                        // Where none is expected, the mark is the first character.
-                        EXPECT_EQ(line, options == 0 ? "A" : "?A");
-                    }
-                }
+    constexpr unsigned int noMark = TextFile::NoMarkExpected;
+    const struct {
+        std::string bytes;
+        int encoding;
+        unsigned int options;
+        int result;
+        const char* line;
+    } rows[] = {
+        {"\xEF\xBB\xBF\x41", 4, 0, TextFile::Done, "A"},
+        {"\xEF\xBB\xBF\x41", 4, noMark, TextFile::Done, "?A"}, // the mark is a character then
+        {"\xEF\xBB\xBF\x41", 0, noMark, TextFile::Done, "A"},
+        {"\xEF\xBB\xBF\x41", 1, 0, TextFile::Done, "\xEF\xBB\xBF\x41"},
+        {"\xEF\xBB\xBF\x41", 2, 0, TextFile::WrongEncoding, ""},
+        {"\xFF\xFE\x41\1", 3, 0, TextFile::WrongEncoding, ""},
+        {"\xFF\xFE\x19 ", 2, 0, TextFile::Done, "\x92"},
+        {"\x19 ", 2, noMark, TextFile::Done, "\x92"},
+        {" \x19", 3, noMark, TextFile::Done, "\x92"},
+        {"", 4, 0, TextFile::WrongEncoding, ""},
+        {"A", 5, noMark, TextFile::WrongEncoding, ""},
+        {"A", -1, noMark, TextFile::WrongEncoding, ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(row.bytes) + std::to_string(row.encoding));
+        TextFile file;
+        CString line;
+        EXPECT_EQ(
+            file.Open(CString(folder.Write("file", row.bytes)), TextFile::Read, row.encoding, row.options),
+            row.result);
+        EXPECT_EQ(file.ReadLine(line), row.result == TextFile::Done ? TextFile::Done : TextFile::SystemError);
+        EXPECT_EQ(line, row.line);
     }
 }
 
