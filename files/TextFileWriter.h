@@ -48,8 +48,7 @@ protected:
     {
         if (m_hasFailed || bytes.size() > BufferSize - m_used)
             return PutPastBuffer(bytes);
-        std::memcpy(m_buffer.get() + m_used, bytes.data(), bytes.size());
-        m_used += bytes.size();
+        m_used += bytes.copy(m_buffer.get() + m_used, bytes.size());
         return Written;
     }
     // The whole of WriteText for 16-bit units.

@@ -132,7 +132,7 @@ TEST_F(TextFileOperations, WhatIsWrittenIsReadAgain)
     for (int round = 0; round < 5; ++round) {
         Lines lines(round == 0 ? 0 : random() % 200);
         for (std::string& line : lines)
-            line.assign(random() % (random() % 30 == 0 ? 140'000 : 60), letters[random() % letters.size()]);
+            line.assign(random() % (random() % 100 == 0 ? 140'000 : 60), letters[random() % letters.size()]);
         for (const int encoding : {0, 1, 2, 3, 4, 0x104, 0x7FFFFF02}) {
             const int used = encoding % 256 == 0 ? 1 : encoding % 256;
             ASSERT_TRUE(FileUtils::WriteFileContent(Path(), ArrayOf(lines), true, encoding));
