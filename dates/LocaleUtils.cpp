@@ -98,20 +98,24 @@ struct CloseKey {
 };
 using Key = std::unique_ptr<std::remove_pointer_t<HKEY>, CloseKey>;
 
-// A text of the current user; empty when it is missing or does not fit.
-template <DWORD Room>
-const char* ReadSetting(const char* path, const char* name, char (&text)[Room])
+// A text of the current user; empty when it is missing.
+CString ReadSetting(const char* path, const char* name)
 {
-    text[0] = '\0';
+    CString text;
     HKEY opened = nullptr;
     if (RegOpenKeyExA(HKEY_CURRENT_USER, path, 0, KEY_READ, &opened) != 0)
         return text;
     const Key key(opened);
     DWORD type = 0;
-    DWORD size = Room - 1;
-    BYTE* const buffer = reinterpret_cast<BYTE*>(text);
-    const LSTATUS status = RegQueryValueExA(opened, name, nullptr, &type, buffer, &size);
-    text[status == 0 && type == REG_SZ ? size : 0] = '\0'; // the platform need not have ended it
+    DWORD size = 0;
+    if (RegQueryValueExA(opened, name, nullptr, &type, nullptr, &size) != 0 || type != REG_SZ ||
+        size > static_cast<DWORD>(CString::MaxLength))
+        return text;
+    char* const buffer = text.GetBuffer(static_cast<int>(size));
+    const LSTATUS status =
+        RegQueryValueExA(opened, name, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size);
+    buffer[status == 0 ? size : 0] = '\0'; // the platform need not have ended it
+    text.ReleaseBuffer();
     return text;
 }
 
@@ -319,8 +323,6 @@ unsigned int LocaleUtils::ConvertGrouping(const CString& grouping)
 int LocaleUtils::GetTwoDigitYearMax()
 {
     constexpr int Usual = 29;
-    char buffer[257];
-    const CString value =
-        ReadSetting("Control Panel\\International\\Calendars\\TwoDigitYearMax", "1", buffer);
+    const CString value = ReadSetting("Control Panel\\International\\Calendars\\TwoDigitYearMax", "1");
     return value.GetLength() < 2 ? Usual : std::atoi(value.Right(2));
 }

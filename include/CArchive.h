@@ -113,8 +113,8 @@ public:
     operator>>(T&) = delete;
 
     // ---- texts ------------------------------------------------------------------------------------------
-    // A text that was stored as UTF-16 loads as Windows-1252, with a '?' for every 16-bit unit that has no
-    // character there; such texts are never stored.
+    // A text that was stored as UTF-16 loads in the process code page, with a lookalike or else a '?' for
+    // every 16-bit unit that has no character there; such texts are never stored.
     CArchive& operator<<(const CString& text) { return StoreText(text.View()); }
     CArchive& operator<<(const char* text) { return *this << CString(text); }
     CArchive& operator<<(const std::string& text) { return StoreText(text); }

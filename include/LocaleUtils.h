@@ -75,6 +75,6 @@ public:
     static unsigned int ConvertGrouping(const CString& grouping);
 
     // The last year of this century that two digits stand for: the last two characters of the user's setting,
-    // read by atoi; 29 without one, and when it is shorter than two or longer than 255 characters.
+    // read by atoi; 29 without one, and when it is shorter than two characters.
     static int GetTwoDigitYearMax();
 };

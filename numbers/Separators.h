@@ -5,23 +5,18 @@
 
 namespace Separators {
 
-inline constexpr unsigned long DecimalItem = 14;   // LOCALE_SDECIMAL
-inline constexpr unsigned long ThousandsItem = 15; // LOCALE_STHOUSAND
-
-inline const CString& Filled(CString& separator, unsigned long item)
-{
-    if (separator.IsEmpty()) [[unlikely]]
-        separator = LocaleUtils::GetLocaleInfoFor(item);
-    return separator;
-}
-
+// The getters fill the strings; asked only while there is need, as they return copies.
 inline const CString& Decimal()
 {
-    return Filled(LocaleUtils::m_csDecimalSeparator, DecimalItem);
+    if (LocaleUtils::m_csDecimalSeparator.IsEmpty()) [[unlikely]]
+        LocaleUtils::GetDecimalSeparator();
+    return LocaleUtils::m_csDecimalSeparator;
 }
 inline const CString& Thousands()
 {
-    return Filled(LocaleUtils::m_csThousandsSeparator, ThousandsItem);
+    if (LocaleUtils::m_csThousandsSeparator.IsEmpty()) [[unlikely]]
+        LocaleUtils::GetThousandsSeparator();
+    return LocaleUtils::m_csThousandsSeparator;
 }
 
 } // namespace Separators

@@ -106,10 +106,18 @@ TEST(Archive, TextPrefixesChangeAtTheirLimits)
 
 TEST(Archive, TextsStoredAsUtf16LoadAsWindows1252)
 {
-    const std::pair<const char*, const char*> rows[] = {
+    std::string many = "FF FEFF FF 5802"; // 600 units
+    for (int i = 0; i < 300; ++i)
+        many += "5A00 1222";
+    std::string manyExpected;
+    for (int i = 0; i < 300; ++i)
+        manyExpected += "Z-";
+    const std::pair<std::string, std::string> rows[] = {
         {"FF FEFF 00", ""},
+        {many, manyExpected},
         {"FF FEFF 03 4100 E900 AC20", "A\xE9\x80"},
-        {"FF FEFF FF 0100 5220", "?"},  // a long prefix for a short text; no such character
+        {"FF FEFF FF 0300 5220 1222 0001",
+         "?-A"},                        // a long prefix for a short text; no such character, lookalikes
         {"FF FEFF 02 3DD8 00DE", "??"}, // a surrogate pair is two units
         {"FF FEFF 05 8100 8000 7801 FF00 FFFF",
          "\x81?\x9F\xFF?"}, // undefined byte kept, control without place

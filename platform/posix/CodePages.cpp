@@ -67,11 +67,11 @@ bool Widen(const SingleBytePage& page, const char* text, std::size_t length,
            Output<char16_t>& output) noexcept
 {
     bool isDefined = true;
-    CodePages::Convert(text, length, output, [&](const char* rest, std::size_t, Output<char16_t>&) {
+    CodePages::Convert(text, length, output, [&](const char* rest, std::size_t, char16_t*& to) {
         const char16_t unit = page.wide[static_cast<BYTE>(*rest)];
-        isDefined = isDefined && !IsUndefined(unit);
-        output.Put(unit);
-        return 1;
+        isDefined &= !IsUndefined(unit);
+        *to++ = unit;
+        return std::size_t{1};
     });
     return isDefined;
 }
@@ -81,13 +81,13 @@ bool Narrow(const SingleBytePage& page, bool takesLookalikes, char defaultByte, 
             std::size_t length, Output<char>& output) noexcept
 {
     bool isDefined = true;
-    CodePages::Convert(text, length, output, [&](const char16_t* rest, std::size_t, Output<char>&) {
+    CodePages::Convert(text, length, output, [&](const char16_t* rest, std::size_t, char*& to) {
         const char16_t unit = *rest;
         const BYTE byte = page.ByteOf(unit);
         const bool isThere = (byte != 0 || unit == 0) && (takesLookalikes || page.wide[byte] == unit);
-        isDefined = isDefined && isThere;
-        output.Put(isThere ? static_cast<char>(byte) : defaultByte);
-        return 1;
+        isDefined &= isThere;
+        *to++ = isThere ? static_cast<char>(byte) : defaultByte;
+        return std::size_t{1};
     });
     return isDefined;
 }

@@ -54,6 +54,17 @@ inline bool IsAscii(const char16_t* units) noexcept
     return ((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80) == 0;
 }
 
+template <class From, class To>
+void CopyBlock(const From* text, To* to) noexcept
+{
+    From from[Block]; // copies of their own, so that the compiler need not ask whether the two overlap
+    To copied[Block];
+    std::memcpy(from, text, sizeof from);
+    for (std::size_t i = 0; i < Block; ++i)
+        copied[i] = static_cast<To>(from[i]);
+    std::memcpy(to, copied, sizeof copied);
+}
+
 // Copies the blocks of ASCII that a text begins with; says how many units those are.
 template <class From, class To>
 std::size_t CopyAscii(const From* text, std::size_t length, To* to) noexcept
@@ -61,8 +72,7 @@ std::size_t CopyAscii(const From* text, std::size_t length, To* to) noexcept
     std::size_t done = 0;
     for (; length - done >= Block && IsAscii(text + done); done += Block)
         if (to != nullptr)
-            for (std::size_t i = done; i < done + Block; ++i)
-                to[i] = static_cast<To>(text[i]);
+            CopyBlock(text + done, to + done);
     return done;
 }
 
@@ -75,19 +85,26 @@ public:
     Output(Unit* buffer, std::size_t room) noexcept : m_buffer(room == 0 ? nullptr : buffer), m_room(room) {}
 
     std::size_t Count() const noexcept { return m_count; }
-    void Put(Unit unit) noexcept
+    // Where the next `most` units may be written: in the buffer if it has room for so many, else in `spare`.
+    Unit* Place(std::size_t most, Unit* spare) const noexcept
     {
-        if (m_count < m_room)
-            m_buffer[m_count] = unit;
-        ++m_count;
+        return m_count <= m_room && m_room - m_count >= most ? m_buffer + m_count : spare;
+    }
+    // Takes over what was written there.
+    void Take(const Unit* place, std::size_t count) noexcept
+    {
+        if (m_count < m_room && place != m_buffer + m_count)
+            std::copy_n(place, std::min(count, m_room - m_count), m_buffer + m_count);
+        m_count += count;
     }
     // The blocks of ASCII at the start of the text, as far as there is room for them; how many units.
     template <class From>
     std::size_t PutAscii(const From* text, std::size_t length) noexcept
     {
-        const std::size_t most =
-            m_buffer == nullptr ? length : std::min(length, m_room - std::min(m_count, m_room));
-        const std::size_t done = CopyAscii(text, most, m_buffer == nullptr ? nullptr : m_buffer + m_count);
+        const std::size_t left = m_room - std::min(m_count, m_room);
+        const std::size_t done = m_buffer == nullptr
+                                     ? CopyAscii<From, Unit>(text, length, nullptr)
+                                     : CopyAscii(text, std::min(length, left), m_buffer + (m_room - left));
         m_count += done;
         return done;
     }
@@ -99,14 +116,20 @@ private:
 };
 
 // The blocks of ASCII in one go; where there is something else, a block's length piece by piece:
-// `putPiece(text, length, output)` converts what a text begins with and says how many units of it that is.
+// `putPiece(text, length, to)` converts what a text begins with into at most four units, moves `to` behind
+// them and says how many units of the text that was.
 template <class From, class To, class PutPiece>
 void Convert(const From* text, std::size_t length, Output<To>& output, PutPiece putPiece) noexcept
 {
+    constexpr std::size_t most = Block * 4;
+    To spare[most];
     for (std::size_t done = 0; done < length;) {
         done += output.PutAscii(text + done, length - done);
+        To* const place = output.Place(most, spare);
+        To* to = place;
         for (const std::size_t end = std::min(done + Block, length); done < end;)
-            done += putPiece(text + done, length - done, output);
+            done += putPiece(text + done, length - done, to);
+        output.Take(place, static_cast<std::size_t>(to - place));
     }
 }
 

@@ -47,9 +47,10 @@ Piece PieceAt(const char* text, std::size_t length) noexcept
         return {Bad, 1};
     char32_t code = lead.bits;
     for (unsigned i = 1; i <= lead.following; ++i) {
-        if (i == length || (text[i] & 0xC0) != 0x80)
+        const auto byte = i < length ? static_cast<unsigned char>(text[i]) : 0u;
+        if ((byte & 0xC0) != 0x80)
             return {Bad, i};
-        code = code << 6 | (text[i] & 0x3Fu);
+        code = code << 6 | (byte & 0x3F);
         // The second byte tells already; it belongs to the bad piece.
         if (i == 1 && !MayStandFor(code << 6 * (lead.following - 1), lead.following))
             return {Bad, 2};
@@ -57,13 +58,13 @@ Piece PieceAt(const char* text, std::size_t length) noexcept
     return {code, 1 + lead.following};
 }
 
-void PutUtf16(char32_t code, Output<char16_t>& output) noexcept
+void PutUtf16(char32_t code, char16_t*& to) noexcept
 {
     if (code >= 0x10000) {
-        output.Put(static_cast<char16_t>(0xD7C0 + (code >> 10)));
+        *to++ = static_cast<char16_t>(0xD7C0 + (code >> 10));
         code = 0xDC00 + (code & 0x3FF);
     }
-    output.Put(static_cast<char16_t>(code));
+    *to++ = static_cast<char16_t>(code);
 }
 
 // ---- from UTF-16 ----------------------------------------------------------------------------------------
@@ -79,9 +80,9 @@ Piece PieceAt(const char16_t* text, std::size_t length) noexcept
     return {0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00), 2};
 }
 
-void PutUtf8(char32_t code, Output<char>& output) noexcept
+void PutUtf8(char32_t code, char*& to) noexcept
 {
-    const auto put = [&output](char32_t byte) { output.Put(static_cast<char>(byte)); };
+    const auto put = [&to](char32_t byte) { *to++ = static_cast<char>(byte); };
     const auto putRest = [&](unsigned shift) { put(0x80 | (code >> shift & 0x3F)); };
     if (code < 0x80) {
         put(code);
@@ -106,10 +107,10 @@ template <class From, class To, class Put>
 bool ConvertPieces(const From* text, std::size_t length, Output<To>& output, Put put) noexcept
 {
     bool isSound = true;
-    Convert(text, length, output, [&](const From* rest, std::size_t restLength, Output<To>&) {
+    Convert(text, length, output, [&](const From* rest, std::size_t restLength, To*& to) {
         const Piece piece = PieceAt(rest, restLength);
         isSound = isSound && piece.code != Bad;
-        put(piece.code == Bad ? Replacement : piece.code, output);
+        put(piece.code == Bad ? Replacement : piece.code, to);
         return piece.length;
     });
     return isSound;

@@ -138,27 +138,30 @@ public:
     // Holds until the next call.
     const LocaleAnswer& Get(LCTYPE item, bool isUsers)
     {
-        if (CoarseClock::Now() != m_moment || RegistryTree::Generation() != m_generation ||
+        if (m_isStale || CoarseClock::Now() != m_moment || RegistryTree::Generation() != m_generation ||
             !m_environment.IsUnchanged())
             Refresh();
         return (isUsers ? m_users : m_locales)[item];
     }
 
 private:
+    // Memory may run out on the way: the marks that all is up to date are set when it is.
     void Refresh()
     {
-        m_moment = CoarseClock::Now();
+        const int64 moment = CoarseClock::Now();
         const unsigned int generation = RegistryTree::Generation();
-        const bool environmentChanged = m_environment.Read();
-        if (environmentChanged || m_isFirst)
+        const bool wasStale = std::exchange(m_isStale, true);
+        const bool environmentChanged = m_environment.Read() || wasStale;
+        if (environmentChanged)
             ReadLocales();
-        if (environmentChanged || m_isFirst || generation != m_generation || m_moment >= m_settingsEnd) {
+        if (environmentChanged || generation != m_generation || moment >= m_settingsEnd) {
             m_users = m_locales;
             TakeSettings(m_users);
-            m_settingsEnd = m_moment + CoarseClock::Second;
+            m_settingsEnd = moment + CoarseClock::Second;
         }
+        m_moment = moment;
         m_generation = generation;
-        m_isFirst = false;
+        m_isStale = false;
     }
 
     void ReadLocales()
@@ -188,7 +191,7 @@ private:
     int64 m_moment = -1;
     int64 m_settingsEnd = 0;
     unsigned int m_generation = 0;
-    bool m_isFirst = true;
+    bool m_isStale = true; // as long as not all has been read since the environment changed
 };
 
 constinit std::mutex mutex;

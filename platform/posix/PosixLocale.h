@@ -12,8 +12,9 @@
 // some ten nanoseconds.
 //
 // The data come from ICU by way of the module beside the library, which is loaded at the first question about
-// a locale other than en_US. Without it every answer is that of en_US. Texts are in Windows-1252; what does
-// not fit is '?', but a narrow no-break space between groups of digits becomes the plain one.
+// a locale other than en_US. Without it every answer is that of en_US. Texts are in the process code
+// page, with lookalikes as WideCharToMultiByte puts them in; a narrow no-break space between groups of digits
+// becomes the plain one.
 #pragma once
 
 #include "BasicTypes.h"
