@@ -54,4 +54,12 @@ public:
     // cannot be listed stays as passed.
     static CString GetCaseSensitiveDirPath(const CString& dirPath);
     static void ConvertToLongPathName(CString& path); // FileUtils::ConvertToLongFileName
+    // Makes the folder and those on the way to it; true also when it is there already. On failure, folders
+    // that were made on the way stay.
+    static bool CreateDirectory(const CString& dirPath);
+    // Clears the folder's read-only attribute (a folder is read-only when its owner may not write it, whoever
+    // asks, so also for a superuser), and says whether files can be made in it then: false for what is no
+    // folder, for another's folder without the right to write there, and on a file system that is mounted
+    // read-only.
+    static bool EnsureDirIsWritable(const CString& dirPath);
 };

@@ -1,5 +1,5 @@
-// FileUtils: paths and file names taken apart, cleaned and made, and the questions to the file system that go
-// with it.
+// FileUtils: paths and file names taken apart, cleaned and made, the questions to the file system that go
+// with it, and text files read and written as lists of lines.
 //
 // Paths are narrow strings; both \ and / separate their parts, except where an operation says that it knows
 // only one of the two. Nothing throws but std::bad_alloc: a failure gives an empty string or leaves an
@@ -10,6 +10,8 @@
 #include "BasicTypes.h"
 #include "CString.h"
 #include "Kvt01Api.h"
+
+class TextArray;
 
 class KVT01_API FileUtils {
 public:
@@ -57,4 +59,49 @@ public:
     // A text of its version information in the first language there: "FileDescription", "ProductName", ...
     // Empty without one, so for every file on systems whose programs carry none.
     static CString GetVersionText(const CString& path, const CString& field);
+    // ---- text files as lists of lines -------------------------------------------------------------------
+    // Encodings, each with the byte-order mark that a file begins with:
+    //   1 ANSI, the process code page: none     4 UTF-8:  EF BB BF
+    //   2 UTF-16 little-endian:        FF FE    5 UTF-7:  2B 2F 76                 told by IsFileUnicode,
+    //   3 UTF-16 big-endian:           FE FF    6 UTF-32 big-endian: 00 00 FE FF   else as ANSI
+    // Lines are in the process code page, without their ends; NULs in them are characters like others. Only
+    // files are read and written: not folders, pipes and devices, where one could wait for ever. What fails
+    // leaves one marker line in the log. Nothing throws but std::bad_alloc.
+
+    // Whether the file begins with a mark, and whose: 1 and false without one (so always for an empty file),
+    // 0 and false when it could not be opened for itself alone, or read. UTF-32 little-endian begins with FF
+    // FE and is told as 2.
+    static bool IsFileUnicode(const CString& path, int& encoding);
+
+    // The lines of the file, instead of what `lines` held. An LF ends a line, and a CR in front of it goes
+    // too; other CRs stay; what follows the last LF is a line if there is anything. `encoding` (may be null)
+    // is 1 unless detection finds something else. On failure there are no lines, or those before a part that
+    // cannot be read; a line of 2 GB and more cannot.
+    //
+    // With detection, a file with the mark 2, 3 or 4 is read in that encoding, without the mark; any other as
+    // ANSI. Characters that the code page lacks become similar ones or ?. UTF-8 is read leniently: see
+    // docs/text-files.md. A CR stays in its line when its LF is the byte 4096, 8192, ... behind the mark;
+    // without detection it goes there too.
+    //
+    // Takes the memory of the lines, and a buffer; a line that is longer than the buffer, or holds more than
+    // ASCII, takes up to three times its length in the file besides, as long as the file is read.
+    static void ReadFileContent(const CString& path, TextArray& lines, bool detectEncoding = true,
+                                int* encoding = nullptr);
+
+    // Makes the file, or replaces what it held, with CR LF behind every line. The folder is made when it is
+    // missing, and its read-only attribute is cleared. True when every line was written and the file closed:
+    // then the system has it, which may still keep it in memory. On failure the file may hold a part of the
+    // lines; whoever needs the old content writes beside it and renames.
+    //
+    // With useEncoding the low byte of `encoding` counts, and 0 is 1; what is not 1 to 4 fails before
+    // anything is done to the file. The mark comes before the first line, so a file without lines is empty.
+    // An LF inside a line is written as it is. UTF-16 is converted from the code page; UTF-8 takes every byte
+    // as the Latin-1 character of that number, so that 80 to 9F (the euro sign, curly quotes) become control
+    // characters. Without useEncoding the bytes are written as they are, but an LF inside a line as CR LF.
+    static bool WriteFileContent(const CString& path, const TextArray& lines, bool useEncoding = false,
+                                 int encoding = 0);
+
+    // Whether ReadFileContent gives just these lines, byte for byte. A file that cannot be read has none.
+    static bool IsFileContentIdentical(const CString& path, const TextArray& lines,
+                                       bool detectEncoding = true);
 };

@@ -6,6 +6,7 @@
 #include <exception>
 #include <vector>
 
+#include "Convert.h"
 #include "Listing.h"
 #include "Logging.h"
 
@@ -17,6 +18,7 @@ struct Command {
 };
 
 constexpr Command Commands[] = {
+    {"convert", Convert::Run},
     {"log", Logging::Run},
 };
 
@@ -41,7 +43,7 @@ int main(int argc, char** argv)
     try {
         result = Run({argv + 1, argv + argc});
         if (result == 2)
-            std::fputs(Usage, stderr);
+            std::fprintf(stderr, "%s%s", Usage, Convert::Usage);
     } catch (const std::exception& error) {
         AppLogger::AddLine(CString("{Failed} ") + error.what());
         std::fprintf(stderr, "recent_files: %s\n", error.what());

@@ -24,6 +24,11 @@ bool IsHiddenName(std::string_view name) noexcept
     return name.starts_with('.') && name != "." && name != "..";
 }
 
+bool IsDevice(mode_t mode) noexcept
+{
+    return !S_ISREG(mode) && !S_ISDIR(mode) && !S_ISLNK(mode); // a link that leads nowhere is none
+}
+
 bool Ask(int folder, const char* name, int flags, struct statx& answer) noexcept
 {
     return statx(folder, name, flags | AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_BTIME, &answer) == 0;
@@ -39,6 +44,7 @@ std::optional<FileFacts> FactsOf(int folder, const char* name, std::string_view 
         found = target;
     FileFacts facts;
     facts.attributes = (S_ISDIR(found.stx_mode) ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_ARCHIVE) |
+                       (IsDevice(found.stx_mode) ? FILE_ATTRIBUTE_DEVICE : 0) |
                        ((found.stx_mode & S_IWUSR) == 0 ? FILE_ATTRIBUTE_READONLY : 0) |
                        (isLink ? FILE_ATTRIBUTE_REPARSE_POINT : 0) |
                        (IsHiddenName(lastName) ? FILE_ATTRIBUTE_HIDDEN : 0);

@@ -9,6 +9,7 @@
 #include "platform/posix/Failures.h"
 #include "platform/posix/FileDescriptor.h"
 #include "platform/posix/FileFacts.h"
+#include "platform/posix/HeldSignals.h"
 #include "platform/posix/OpenFiles.h"
 #include "platform/posix/PosixErrors.h"
 #include "platform/posix/PosixPlatform.h"
@@ -273,9 +274,13 @@ BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void
         return FALSE;
     if (overlapped != nullptr)
         return Fail(ERROR_INVALID_PARAMETER);
+    const HeldSignals held;
     return Transfer(handle, count, done, [&](DWORD moved) {
-        return write(OpenFiles::DescriptorOf(handle), static_cast<const char*>(buffer) + moved,
-                     count - moved);
+        const ssize_t step =
+            write(OpenFiles::DescriptorOf(handle), static_cast<const char*>(buffer) + moved, count - moved);
+        if (step < 0)
+            held.TakeAway(errno);
+        return step;
     });
 }
 

@@ -1,0 +1,171 @@
+// What all readers of text files share: filling the buffer, finding line ends, converting.
+#include "files/TextFileReader.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t ReadSize = 1 << 17; // at once: whole units, and few enough for the cache
+constexpr char16_t CarriageReturn = '\r';
+constexpr char16_t LineFeed = '\n';
+constexpr std::size_t MostGathered = CString::MaxLength - ReadSize; // units: with one read more a CString's
+
+std::size_t FillSize(int bufferSize, std::size_t unitSize)
+{
+    if (bufferSize < 0)
+        return 0;
+    const std::size_t size =
+        bufferSize == 0 ? TextFileReader::UsualFill : static_cast<std::size_t>(bufferSize);
+    return std::max(size / unitSize * unitSize, unitSize);
+}
+
+} // namespace
+
+TextFileReader::TextFileReader(const CString& fileName, HANDLE file, int bufferSize)
+    : TextFileReader(fileName, file, bufferSize, 1)
+{
+}
+
+TextFileReader::TextFileReader(const CString& fileName, HANDLE file, int bufferSize, std::size_t unitSize)
+    : m_fileName(fileName), m_file(file), m_unitSize(unitSize), m_fillSize(FillSize(bufferSize, unitSize))
+{
+}
+
+TextFileReader::~TextFileReader() = default;
+
+char16_t TextFileReader::UnitAt(const char*) const
+{
+    return 0;
+}
+
+int TextFileReader::ReadLine(CString&, unsigned int, const char*, int*)
+{
+    return EndOfFile;
+}
+
+// ---- the buffer -----------------------------------------------------------------------------------------
+
+// Reads on when everything was handed out. At least one byte came, but perhaps no whole unit.
+int TextFileReader::Fill()
+{
+    if (m_isAtEnd || m_fillSize == 0)
+        return EndOfFile;
+    if (!m_buffer)
+        m_buffer.reset(new char[ReadSize]);
+    std::memmove(m_buffer.get(), m_buffer.get() + m_end, m_halfUnit);
+    m_bufferAt += m_end;
+    m_begin = m_end = 0;
+    DWORD count = 0;
+    if (!ReadFile(m_file, m_buffer.get() + m_halfUnit, static_cast<DWORD>(ReadSize - m_halfUnit), &count,
+                  nullptr))
+        return ReadError;
+    m_isAtEnd = count == 0;
+    const std::size_t held = m_halfUnit + count;
+    m_halfUnit = held % m_unitSize;
+    m_end = held - m_halfUnit;
+    return m_isAtEnd ? EndOfFile : LineDelivered;
+}
+
+// Of the unread units; null when there is none.
+const char* TextFileReader::FindLineFeed() const
+{
+    const char* const end = m_buffer.get() + m_end;
+    for (const char* from = m_buffer.get() + m_begin; from < end;) {
+        const auto* const found =
+            static_cast<const char*>(std::memchr(from, LineFeed, static_cast<std::size_t>(end - from)));
+        if (found == nullptr)
+            return nullptr;
+        const auto offset = static_cast<std::size_t>(found - m_buffer.get());
+        const char* const unit = found - (offset & (m_unitSize - 1)); // it may be either byte of one
+        if (UnitAt(unit) == LineFeed)
+            return unit;
+        from = unit + m_unitSize;
+    }
+    return nullptr;
+}
+
+// Positions must be asked for in ascending order.
+bool TextFileReader::StartsFill(uint64 position)
+{
+    while (m_nextFill < position)
+        m_nextFill += m_fillSize;
+    return m_nextFill == position;
+}
+
+// ---- lines ----------------------------------------------------------------------------------------------
+
+// The line before an LF in the buffer, which is taken out of it.
+std::string_view TextFileReader::EndLine(const char* lineFeed)
+{
+    const char* const from = m_buffer.get() + m_begin;
+    std::string_view raw(from, static_cast<std::size_t>(lineFeed - from));
+    m_begin += raw.size() + m_unitSize;
+    if (!m_line.empty())
+        raw = m_line.append(raw);
+    const bool endsInReturn = !raw.empty() && UnitAt(raw.data() + raw.size() - m_unitSize) == CarriageReturn;
+    const auto lineFeedAt = m_bufferAt + static_cast<std::size_t>(lineFeed - m_buffer.get());
+    if (endsInReturn && !StartsFill(lineFeedAt))
+        raw.remove_suffix(m_unitSize);
+    return raw;
+}
+
+int TextFileReader::ReadRawLine(std::string_view& raw)
+{
+    m_line.clear();
+    for (;;) {
+        if (HasUnread()) {
+            if (const char* const lineFeed = FindLineFeed(); lineFeed != nullptr) {
+                raw = EndLine(lineFeed);
+                return LineDelivered;
+            }
+            m_line.append(m_buffer.get() + m_begin, m_end - m_begin);
+            m_begin = m_end;
+        }
+        if (m_line.size() / m_unitSize > MostGathered)
+            return ReadError;
+        const int result = Fill();
+        if (result == EndOfFile && !m_line.empty()) {
+            raw = m_line;
+            return LineDelivered;
+        }
+        if (result != LineDelivered)
+            return result;
+    }
+}
+
+// ---- from the raw line to the caller's ------------------------------------------------------------------
+
+// Empty when the system does not convert it.
+static CString NarrowBySystem(std::u16string_view wide, unsigned int codePage, const char* defaultChar,
+                              int* usedDefault)
+{
+    const auto convert = [&](char* narrow, int size) {
+        return WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), narrow, size,
+                                   defaultChar, usedDefault);
+    };
+    CString narrow;
+    int room = static_cast<int>(wide.size()); // enough for pages of one byte
+    int count = convert(narrow.GetBuffer(room), room);
+    if (count <= 0 && GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
+        room = convert(nullptr, 0);
+        count = room <= CString::MaxLength ? convert(narrow.GetBuffer(room), room) : 0;
+    }
+    narrow.ReleaseBuffer(std::max(count, 0));
+    return narrow;
+}
+
+int TextFileReader::Convert(std::u16string_view wide, CString& line, unsigned int codePage,
+                            const char* defaultChar, int* usedDefault)
+{
+    int isDefaultUsed = FALSE;
+    const bool isUtf8 = codePage == CP_UTF8; // which lacks nothing, and whose conversion takes neither
+    CString narrow =
+        NarrowBySystem(wide, codePage, isUtf8 ? nullptr : defaultChar, isUtf8 ? nullptr : &isDefaultUsed);
+    if (narrow.IsEmpty() && !wide.empty())
+        return ReadError;
+    Deliver(std::move(narrow), line, usedDefault);
+    if (usedDefault != nullptr)
+        *usedDefault = isDefaultUsed;
+    return LineDelivered;
+}
