@@ -66,7 +66,8 @@ public:
     //   3 UTF-16 big-endian:           FE FF    6 UTF-32 big-endian: 00 00 FE FF   else as ANSI
     // Lines are in the process code page, without their ends; NULs in them are characters like others. Only
     // files are read and written: not folders, pipes and devices, where one could wait for ever. What fails
-    // leaves one marker line in the log. Nothing throws but std::bad_alloc.
+    // leaves one marker line in the log, except an error in the middle of reading. Nothing throws but
+    // std::bad_alloc.
 
     // Whether the file begins with a mark, and whose: 1 and false without one (so always for an empty file),
     // 0 and false when it could not be opened for itself alone, or read. UTF-32 little-endian begins with FF
@@ -89,9 +90,10 @@ public:
                                 int* encoding = nullptr);
 
     // Makes the file, or replaces what it held, with CR LF behind every line. The folder is made when it is
-    // missing, and its read-only attribute is cleared. True when every line was written and the file closed:
-    // then the system has it, which may still keep it in memory. On failure the file may hold a part of the
-    // lines; whoever needs the old content writes beside it and renames.
+    // missing, and its read-only attribute is cleared; in a folder that is not writable then
+    // (DirUtils::EnsureDirIsWritable) no file is written, not even one that is there. True when every line
+    // was written and the file closed: then the system has it, which may still keep it in memory. On failure
+    // the file may hold a part of the lines; whoever needs the old content writes beside it and renames.
     //
     // With useEncoding the low byte of `encoding` counts, and 0 is 1; what is not 1 to 4 fails before
     // anything is done to the file. The mark comes before the first line, so a file without lines is empty.
