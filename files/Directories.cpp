@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "DirUtils.h"
-#include "files/PathAttributes.h"
+#include "framework/NamesOnDisk.h"
 
 bool DirUtils::CreateDirectory(const CString& dirPath)
 {
@@ -13,18 +13,19 @@ bool DirUtils::CreateDirectory(const CString& dirPath)
         end = std::min(path.find_first_of("\\/", end + 1), path.size());
         const CString parent(path.substr(0, end));
         // Somebody else may make it at the same time.
-        if (!IsFolder(parent) && !CreateDirectoryA(parent, nullptr) && !IsFolder(parent))
+        if (!NamesOnDisk::IsFolder(parent) && !CreateDirectoryA(parent, nullptr) &&
+            !NamesOnDisk::IsFolder(parent))
             return false;
     }
-    return IsFolder(dirPath);
+    return NamesOnDisk::IsFolder(dirPath);
 }
 
 bool DirUtils::EnsureDirIsWritable(const CString& dirPath)
 {
-    if (!IsFolder(dirPath))
+    if (!NamesOnDisk::IsFolder(dirPath))
         return false;
     constexpr int writable = 2;
-    const DWORD attributes = AttributesOfPath(dirPath);
+    const DWORD attributes = NamesOnDisk::Attributes(dirPath);
     const bool isReadOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
     return (!isReadOnly || SetFileAttributesA(dirPath, attributes & ~FILE_ATTRIBUTE_READONLY)) &&
            _access(dirPath, writable) == 0;

@@ -3,8 +3,8 @@
 #include "FileUtils.h"
 #include "StringUtils.h"
 #include "TextArray.h"
-#include "files/PathExists.h"
 #include "framework/FailureMarkers.h"
+#include "framework/NamesOnDisk.h"
 #include "framework/PathParts.h"
 #include "platform/Platform.h"
 
@@ -18,7 +18,7 @@ CString FirstFreeNumbered(const CString& folder, const CString& front, const CSt
     for (uint64 n = 1;; ++n) {
         CString candidate;
         candidate.Format("%s%u%s", front, n, back);
-        if (!PathExists(folder + candidate))
+        if (!NamesOnDisk::Exists(folder + candidate))
             return candidate;
     }
 }
@@ -34,29 +34,24 @@ void ConvertBy(DWORD (*convert)(const char*, char*, DWORD), CString& path)
 
 } // namespace
 
-bool PathExists(const CString& path)
-{
-    return path.Find('\0') < 0 && _access(path, 0) == 0;
-}
-
 CString FileUtils::GetUniqueFileName(const CString& dir, const CString& fileName)
 {
     CString candidate = dir + fileName;
-    if (!PathExists(candidate))
+    if (!NamesOnDisk::Exists(candidate))
         return candidate;
     const CString end = "." + GetFileExt(fileName); // kept: the dot also without an extension
     const CString base = ParseFileNameFromPath(fileName, false) + CopySuffix;
     candidate = dir + base + end;
-    return PathExists(candidate) ? dir + FirstFreeNumbered(dir, base, end) : candidate;
+    return NamesOnDisk::Exists(candidate) ? dir + FirstFreeNumbered(dir, base, end) : candidate;
 }
 
 CString DirUtils::GetUniqueSubDir(const CString& parentDir, const CString& subDirName)
 {
     // Kept: a / at the end will not do.
     const bool endsInBackslash = !parentDir.IsEmpty() && parentDir[parentDir.GetLength() - 1] == '\\';
-    if (!endsInBackslash || !PathExists(parentDir) || StringUtils::IsEffectivelyEmpty(subDirName))
+    if (!endsInBackslash || !NamesOnDisk::Exists(parentDir) || StringUtils::IsEffectivelyEmpty(subDirName))
         return {};
-    if (!PathExists(parentDir + subDirName))
+    if (!NamesOnDisk::Exists(parentDir + subDirName))
         return subDirName;
     const bool endsInSeparator = PathParts::IsSeparator(subDirName[subDirName.GetLength() - 1]);
     return FirstFreeNumbered(parentDir, subDirName.Left(subDirName.GetLength() - endsInSeparator), "\\");
@@ -69,7 +64,7 @@ CString FileUtils::GetTempFile(const CString& dir, const CString& prefix, unsign
     while (length > 0 && StringUtils::IsSpace(static_cast<unsigned char>(dir[length - 1])))
         --length;
     const CString folder = dir.Left(length);
-    if (folder.IsEmpty() || !PathParts::IsSeparator(folder[length - 1]) || !PathExists(folder)) {
+    if (folder.IsEmpty() || !PathParts::IsSeparator(folder[length - 1]) || !NamesOnDisk::Exists(folder)) {
         FailureMarkers::Report("{F1A8BB00-471B-4D7C-9766-55857561C699}");
         return {};
     }
@@ -82,7 +77,7 @@ CString FileUtils::GetTempFile(const CString& dir, const CString& prefix, unsign
 
 void FileUtils::ConvertToLongFileName(CString& path)
 {
-    if (path[1] == ':' && path.Find('~') >= 0 && path.GetLength() < MAX_PATH && PathExists(path))
+    if (path[1] == ':' && path.Find('~') >= 0 && path.GetLength() < MAX_PATH && NamesOnDisk::Exists(path))
         ConvertBy([](const char* from, char* to, DWORD size) { return GetLongPathNameA(from, to, size); },
                   path);
 }
@@ -94,7 +89,7 @@ void DirUtils::ConvertToLongPathName(CString& path)
 
 void FileUtils::ConvertToShortFileName(CString& path)
 {
-    if (!path.IsEmpty() && path.GetLength() < MAX_PATH && PathExists(path))
+    if (!path.IsEmpty() && path.GetLength() < MAX_PATH && NamesOnDisk::Exists(path))
         ConvertBy([](const char* from, char* to, DWORD size) { return GetShortPathNameA(from, to, size); },
                   path);
 }

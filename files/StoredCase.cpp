@@ -4,7 +4,7 @@
 #include "DirUtils.h"
 #include "FileUtils.h"
 #include "TextArray.h"
-#include "files/PathExists.h"
+#include "framework/NamesOnDisk.h"
 #include "framework/PathParts.h"
 #include "platform/Platform.h"
 
@@ -56,7 +56,7 @@ std::optional<CString> StoredName(const CString& folder, const CString& name, Wa
         if (!found || *found > listing.Name())
             found = CString(listing.Name());
     }
-    return found || !PathExists(folder + name) ? found : name;
+    return found || !NamesOnDisk::Exists(folder + name) ? found : name;
 }
 
 // Whether a folder of exactly this name is listed.
@@ -77,7 +77,7 @@ std::optional<CString> StoredFirstPart(const CString& front, const CString& part
     upper.MakeUpper();
     const bool isShort = front.IsEmpty() && part.GetLength() + 1 < ShorterThan;
     const bool areTwoFolders = isShort && part != upper && IsStored(front, part) && IsStored(front, upper);
-    if (isShort && !areTwoFolders && PathExists(upper + "\\"))
+    if (isShort && !areTwoFolders && NamesOnDisk::Exists(upper + "\\"))
         return upper;
     return StoredName(front, part, Wanted::Folder);
 }

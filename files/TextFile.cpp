@@ -1,6 +1,6 @@
 #include "files/TextFile.h"
 
-#include "files/PathAttributes.h"
+#include "files/OpenAsText.h"
 #include "files/TextEncoding.h"
 
 // ---- opening and closing --------------------------------------------------------------------------------

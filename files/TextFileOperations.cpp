@@ -10,11 +10,11 @@
 #include "StringUtils.h"
 #include "TextArray.h"
 #include "files/FileHandle.h"
-#include "files/PathAttributes.h"
-#include "files/PathExists.h"
+#include "files/OpenAsText.h"
 #include "files/TextEncoding.h"
 #include "files/TextFile.h"
 #include "framework/FailureMarkers.h"
+#include "framework/NamesOnDisk.h"
 #include "framework/PathParts.h"
 #include "framework/SystemMessages.h"
 
@@ -45,7 +45,7 @@ namespace {
 
 bool IsFileToRead(const CString& path)
 {
-    const DWORD attributes = AttributesOfPath(path);
+    const DWORD attributes = NamesOnDisk::Attributes(path);
     const bool isThere = attributes != INVALID_FILE_ATTRIBUTES;
     const bool isNamed = !path.IsEmpty() && !PathParts::IsSeparator(path[path.GetLength() - 1]);
     if (!isNamed || (isThere && (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) != 0))
@@ -162,7 +162,7 @@ bool PrepareFolder(const CString& folder)
 {
     if (folder.IsEmpty())
         return true;
-    if (!PathExists(folder) && !DirUtils::CreateDirectory(folder))
+    if (!NamesOnDisk::Exists(folder) && !DirUtils::CreateDirectory(folder))
         return FailedWithLastError("{0584D9B2-55D5-458D-A837-D590C7F5F932}");
     if (!DirUtils::EnsureDirIsWritable(folder))
         return Failed("{91E67FDF-97D6-482E-92A6-1F13F717E627}");

@@ -3,13 +3,13 @@
 #include "CArchive.h"
 #include "ExeUtils.h"
 #include "StringUtils.h"
-#include "persist/NamesOnDisk.h"
+#include "framework/NamesOnDisk.h"
 #include "persist/TextRecord.h"
 
 bool ExternalAppRun::CanRun() const
 {
     for (const CString* name : {&m_csPath, &m_csInitDir})
-        if (StringUtils::IsEffectivelyEmpty(*name) || !NamesOnDisk::IsThere(*name))
+        if (StringUtils::IsEffectivelyEmpty(*name) || !NamesOnDisk::Exists(*name))
             return false;
     return true;
 }

@@ -6,8 +6,8 @@
 #include "FileUtils.h"
 #include "SerializeData.h"
 #include "TextArray.h"
+#include "framework/NamesOnDisk.h"
 #include "persist/ContainerRecord.h"
-#include "persist/NamesOnDisk.h"
 #include "persist/TextRecord.h"
 
 static CString DisplayNameOf(const CString& path)
