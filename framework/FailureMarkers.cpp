@@ -14,10 +14,21 @@ Sink SetSink(Sink sink) noexcept
     return currentSink.exchange(sink);
 }
 
+bool IsRecording() noexcept
+{
+    return currentSink != nullptr;
+}
+
 void Report(const char* tag)
 {
     if (const Sink sink = currentSink)
         sink(tag);
+}
+
+void Report(const char* tag, const CString& explanation)
+{
+    if (const Sink sink = currentSink)
+        sink(tag + explanation);
 }
 
 void ReportWithLastError(const char* tag)

@@ -12,7 +12,11 @@ using Sink = void (*)(const CString& line);
 // Where the lines go from now on; nullptr for nowhere. Answers where they went before.
 Sink SetSink(Sink sink) noexcept;
 
+// Whether anybody takes the lines: for a site whose explanation costs something to make.
+bool IsRecording() noexcept;
+
 void Report(const char* tag);
+void Report(const char* tag, const CString& explanation);
 void ReportWithLastError(const char* tag); // followed by the system's text for GetLastError
 
 } // namespace FailureMarkers

@@ -18,6 +18,7 @@
 #include "CString.h"
 #include "CStringArray.h"
 #include "CStringList.h"
+#include "Crypto.h"
 #include "DateEntry.h"
 #include "DateTime.h"
 #include "DirUtils.h"

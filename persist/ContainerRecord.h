@@ -11,10 +11,10 @@
 
 #include "CArchive.h"
 #include "CRect.h"
+#include "Crypto.h"
 #include "DateTime.h"
 #include "SerializeData.h"
 #include "TextArray.h"
-#include "persist/ProtectedString.h"
 
 namespace ContainerRecord {
 
@@ -121,7 +121,7 @@ struct PlainValue {
 };
 // the texts as encrypted-string records.
 struct ProtectedValue {
-    void operator()(CArchive& archive, CString& text) const { LoadProtectedString(archive, text); }
+    void operator()(CArchive& archive, CString& text) const { Crypto::Serialize(archive, text); }
     void operator()(CArchive& archive, TextArray& texts) const { texts.Serialize(archive, true); }
     void operator()(CArchive& archive, int& value) const { archive >> value; }
 };

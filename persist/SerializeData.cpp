@@ -91,7 +91,7 @@ void SerializeData::Serialize(CArchive& archive, std::map<int, CString>& map,
         CString text;
         archive >> key;
         if (version == ProtectedVersion && protectedKeys.contains(key))
-            LoadProtectedString(archive, text);
+            Crypto::Serialize(archive, text);
         else
             archive >> text;
         map.insert_or_assign(map.end(), key, std::move(text));
