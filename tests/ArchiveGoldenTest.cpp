@@ -3,9 +3,7 @@
 // storing the loaded value gives, and the value. A new record is one file, one line, and a line in `kinds`.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <map>
-#include <new>
 #include <sstream>
 #include <stdexcept>
 
@@ -14,26 +12,9 @@
 #include "MRUArray.h"
 #include "MRUArrayByTime.h"
 #include "SerializeData.h"
+#include "support/AllocationCounter.h"
 #include "support/ArchiveBytes.h"
 #include "support/Table.h"
-
-static thread_local std::size_t allocated = 0; // bytes that this thread asked for in all
-
-void* operator new(std::size_t size)
-{
-    allocated += size;
-    if (void* const memory = std::malloc(size + (size == 0)))
-        return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace {
 
@@ -276,7 +257,7 @@ TEST(ArchiveGolden, EveryTruncationIsTheEndOfTheData)
 template <class LoadBytes>
 bool IsRefused(const LoadBytes& load, const string& bytes)
 {
-    const std::size_t before = allocated;
+    const std::size_t before = GetAllocatedInAll();
     bool isRefused = true;
     try {
         load(bytes);
@@ -285,7 +266,7 @@ bool IsRefused(const LoadBytes& load, const string& bytes)
     } catch (const CFileException&) {
     } catch (const std::length_error&) {
     }
-    EXPECT_LT(allocated - before, Megabyte) << HexOf(bytes);
+    EXPECT_LT(GetAllocatedInAll() - before, Megabyte) << HexOf(bytes);
     return isRefused;
 }
 
