@@ -117,9 +117,9 @@ public:
     // character there; such texts are never stored.
     CArchive& operator<<(const CString& text)
     {
-        const int length = text.GetLength();
-        if (length > CString::MaxInline || m_storeLimit - m_current <= CString::MaxInline)
+        if (!text.IsInline() || m_storeLimit - m_current <= CString::MaxInline)
             return StoreText(text.View());
+        const int length = text.GetLength();
         *m_current = static_cast<BYTE>(length);
         std::memcpy(m_current + 1, text.GetString(), CString::MaxInline); // all of its room
         m_current += 1 + length;

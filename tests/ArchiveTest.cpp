@@ -78,6 +78,12 @@ TEST(Archive, PrefixesChangeAtTheirLimits)
             EXPECT_EQ(archive.GetBytesAhead(), 0u);
         });
     }
+    CString shortened('x', 100),
+        copy = shortened; // a short text that lies where long ones do, in little room
+    shortened.Truncate(2);
+    copy = shortened;
+    copy.SetAt(0, 'y');
+    EXPECT_EQ(StoredBy([&](CArchive& archive) { archive << shortened << copy; }), "\2xx\2yx");
     const std::pair<uint64, const char*> counts[] = {{0xFFFE, "FEFF"},
                                                      {0xFFFF, "FFFF FFFF0000"},
                                                      {0xFFFFFFFE, "FFFF FEFFFFFF"},
