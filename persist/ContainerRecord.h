@@ -157,7 +157,7 @@ inline void StoreElements(CArchive& archive, const std::vector<bool>& list)
 }
 
 template <class Element, class LoadOne>
-constexpr bool IsPlainText = OneOf<Element, CString>&& OneOf<LoadOne, PlainValue>;
+constexpr bool IsPlainText = std::is_same_v<Element, CString>&& std::is_same_v<LoadOne, PlainValue>;
 
 // A new element. Plain texts are nearly always made straight from the archive's buffer.
 template <class Element, class LoadOne>

@@ -10,10 +10,14 @@ std::size_t GetAllocatedInAll()
     return allocated;
 }
 
-void* operator new(std::size_t size)
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     allocated += size;
-    if (void* const memory = std::malloc(size + (size == 0)))
+    return std::malloc(size + (size == 0));
+}
+void* operator new(std::size_t size)
+{
+    if (void* const memory = operator new(size, std::nothrow))
         return memory;
     throw std::bad_alloc();
 }
