@@ -150,7 +150,7 @@ void CArchive::Write(const void* buffer, std::size_t count)
     m_current += count;
 }
 
-CArchive& CArchive::StoreLongText(std::string_view text)
+CArchive& CArchive::StoreText(std::string_view text)
 {
     const std::size_t length = text.size();
     if (length < LongMark)

@@ -115,7 +115,16 @@ public:
     // ---- texts ------------------------------------------------------------------------------------------
     // A text that was stored as UTF-16 loads in the process code page, with a lookalike or else a '?' for
     // every 16-bit unit that has no character there; such texts are never stored.
-    CArchive& operator<<(const CString& text) { return StoreText(text.View()); }
+    CArchive& operator<<(const CString& text)
+    {
+        if (!text.IsInline() || m_storeLimit - m_current <= CString::MaxInline)
+            return StoreText(text.View());
+        const int length = text.GetLength();
+        *m_current = static_cast<BYTE>(length);
+        std::memcpy(m_current + 1, text.GetString(), CString::MaxInline); // all of its room
+        m_current += 1 + length;
+        return *this;
+    }
     CArchive& operator<<(const char* text) { return *this << CString(text); }
     CArchive& operator<<(const std::string& text) { return StoreText(text); }
     CArchive& operator>>(CString& text)
@@ -134,12 +143,25 @@ public:
     // until the next operation.
     bool TakeBufferedText(std::string_view& text) noexcept
     {
-        const std::ptrdiff_t ahead = m_loadLimit - m_current;
-        if (ahead <= 0 || *m_current == LongMark || ahead <= *m_current)
+        if (!IsBufferedText(m_current))
             return false;
         text = {reinterpret_cast<const char*>(m_current) + 1, *m_current};
         m_current += 1 + text.size();
         return true;
+    }
+    // The same for at most so many in a row: calls take(characters, length) for each and answers how many.
+    template <class Take>
+    std::size_t TakeBufferedTexts(std::size_t most, Take take)
+    {
+        BYTE* at = m_current;
+        std::size_t taken = 0;
+        for (; taken < most && IsBufferedText(at); ++taken) {
+            const int length = *at;
+            take(reinterpret_cast<const char*>(at) + 1, length);
+            at += 1 + length;
+        }
+        m_current = at;
+        return taken;
     }
 
     // ---- the count of a byte array: one word below 0xFFFF, else a 32-bit, else a 64-bit count behind marks
@@ -175,17 +197,11 @@ private:
                 std::swap(bytes[i], bytes[size - 1 - i]);
     }
 
-    CArchive& StoreText(std::string_view text)
+    bool IsBufferedText(const BYTE* at) const noexcept
     {
-        const auto room = m_storeLimit - m_current;
-        if (text.size() >= LongMark || room <= static_cast<std::ptrdiff_t>(text.size())) [[unlikely]]
-            return StoreLongText(text);
-        *m_current = static_cast<BYTE>(text.size());
-        std::memcpy(m_current + 1, text.data(), text.size());
-        m_current += 1 + text.size();
-        return *this;
+        return at < m_loadLimit && *at != LongMark && *at < m_loadLimit - at;
     }
-    CArchive& StoreLongText(std::string_view text);
+    CArchive& StoreText(std::string_view text);
     void LoadLongText(CString& text);
     void LoadNarrowText(CString& text, uint64 length);
     void LoadWideText(CString& text, uint64 length);

@@ -292,6 +292,9 @@ public:
     void Preallocate(int length);
     int GetAllocLength() const noexcept; // characters that fit without another allocation
     void FreeExtra();
+    // Whether the text lies inside the object: then MaxInline characters can be read there, whatever its
+    // length.
+    bool IsInline() const noexcept { return !IsLong(); }
 
 private:
     // What stands in front of the characters of a long text.

@@ -156,11 +156,14 @@ inline void StoreElements(CArchive& archive, const std::vector<bool>& list)
         archive << element;
 }
 
+template <class Element, class LoadOne>
+constexpr bool IsPlainText = std::is_same_v<Element, CString>&& std::is_same_v<LoadOne, PlainValue>;
+
 // A new element. Plain texts are nearly always made straight from the archive's buffer.
 template <class Element, class LoadOne>
 Element Loaded(CArchive& archive, LoadOne loadOne)
 {
-    if constexpr (OneOf<Element, CString> && OneOf<LoadOne, PlainValue>)
+    if constexpr (IsPlainText<Element, LoadOne>)
         if (std::string_view text; archive.TakeBufferedText(text))
             return CString(text.data(), static_cast<int>(text.size()));
     Element element{};
@@ -179,8 +182,14 @@ void LoadElements(CArchive& archive, std::vector<Element>& list, std::size_t cou
         }
     list.clear();
     ReserveLikely(archive, list, count);
-    for (std::size_t i = 0; i < count; ++i)
-        list.push_back(Loaded<Element>(archive, loadOne));
+    while (list.size() < count) {
+        if constexpr (IsPlainText<Element, LoadOne>)
+            archive.TakeBufferedTexts(count - list.size(), [&](const char* text, int length) {
+                list.emplace_back(text, length); // nearly all of them
+            });
+        if (list.size() < count)
+            list.push_back(Loaded<Element>(archive, loadOne));
+    }
 }
 
 // Numbers move in blocks that stay in the processor's cache between being made and being filled.
@@ -220,7 +229,8 @@ void LoadElements(CArchive& archive, std::map<Key, Value, Order>& map, std::size
     map.clear();
     for (std::size_t i = 0; i < count; ++i) {
         Key key = Loaded<Key>(archive, loadOne);
-        map.insert_or_assign(map.end(), std::move(key), Loaded<Value>(archive, loadOne));
+        Value value = Loaded<Value>(archive, loadOne);
+        map.emplace_hint(map.end(), std::move(key), Value())->second = std::move(value);
     }
 }
 

@@ -50,10 +50,10 @@ std::string StoredBy(Store store, int bufferSize = 4096)
     return ContentOf(file);
 }
 
-template <class Load>
+template <class File = CMemFile, class Load>
 void LoadFrom(std::string bytes, Load load, int bufferSize = 4096)
 {
-    CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
+    File file(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
     CArchive archive(&file, CArchive::load, bufferSize);
     load(archive);
 }

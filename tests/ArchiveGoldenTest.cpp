@@ -1,0 +1,303 @@
+// Every record that the library can read, as a file that stays for ever (tests/data/golden). The manifest has
+// a line per file: the kind of record, how it is loaded (plain, legacy, decrypt), the file whose bytes
+// storing the loaded value gives, and the value. A new record is one file, one line, and a line in `kinds`.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+#include <stdexcept>
+
+#include "Crypto.h"
+#include "DateEntry.h"
+#include "MRUArray.h"
+#include "MRUArrayByTime.h"
+#include "SerializeData.h"
+#include "support/AllocationCounter.h"
+#include "support/ArchiveBytes.h"
+#include "support/Table.h"
+
+namespace {
+
+using NoCase = StringUtils::NoCase;
+using std::string;
+
+// Records that are no value of their own.
+struct EncryptedText {
+    CString text;
+    void Serialize(CArchive& archive) { Crypto::Serialize(archive, text); }
+};
+template <class Container>
+struct Protected : Container {
+    void Transfer(CArchive& archive, bool legacy)
+    {
+        SerializeData::SerializeEncrypted(archive, static_cast<Container&>(*this), legacy);
+    }
+};
+struct KeyedMap : std::map<int, CString> {
+    void Transfer(CArchive& archive, bool legacy) { SerializeData::Serialize(archive, *this, {2}, legacy); }
+};
+
+// A value as the manifest has it.
+struct Shown {
+    static string Of(const CString& text)
+    {
+        string shown = "\"";
+        for (const char c : text)
+            shown += c >= ' ' && c <= '~' ? string(1, c) : "\\x" + HexOf({c});
+        return shown + '"';
+    }
+    static string Of(const string& text) { return Of(CString(text)); }
+    static string Of(const EncryptedText& record) { return Of(record.text); }
+    template <class Number>
+    static string Of(Number value) requires std::is_arithmetic_v<Number>
+    {
+        std::ostringstream out;
+        out << std::boolalpha << value;
+        return out.str();
+    }
+    static string Of(const CRect& rect)
+    {
+        return '(' + Joined(", ", rect.left, rect.top, rect.right, rect.bottom) + ')';
+    }
+    static string Of(const DateTime& date)
+    {
+        return Joined("-", date.GetYear(), date.GetMonth(), date.GetDay()) + ' ' +
+               Joined(":", date.GetHour(), date.GetMinute(), date.GetSecond());
+    }
+    static string Of(const DateEntry& rule)
+    {
+        return Joined(" ", int{rule.GetOccurrence()}, int{rule.GetYearType()}, rule.GetWeekDay(),
+                      rule.GetDay(), rule.GetDayOfWeek(), rule.GetBeforeAfterDayOfWeek(), rule.GetMonth(),
+                      rule.GetYear(), rule.GetID(), rule.GetDesc());
+    }
+    static string Of(const MRUArray& lists)
+    {
+        TextArray recent, popular;
+        lists.GetRecent(recent);
+        lists.GetPopular(popular, false);
+        return Joined(" ", recent, popular);
+    }
+    static string Of(const MRUArrayByTime& times)
+    {
+        TextArray popular;
+        times.GetPopular(popular, -1);
+        return Of(popular);
+    }
+    template <class Key, class Value>
+    static string Of(const std::pair<const Key, Value>& pair)
+    {
+        return Joined(": ", pair.first, pair.second);
+    }
+    template <class List>
+    static string Of(const List& list) requires requires
+    {
+        list.begin();
+    }
+    {
+        string shown;
+        for (const auto& element : list)
+            shown += (shown.empty() ? "" : ", ") + Of(element);
+        return '[' + shown + ']';
+    }
+    template <class First, class... Values>
+    static string Joined(const string& between, const First& first, const Values&... values)
+    {
+        return (Of(first) + ... + (between + Of(values)));
+    }
+};
+
+template <class Value>
+void Transfer(CArchive& archive, Value& value, const string& how)
+{
+    if constexpr (requires { value.Transfer(archive, true); })
+        value.Transfer(archive, how == "legacy");
+    else if constexpr (requires { value.Serialize(archive, true); })
+        value.Serialize(archive, how == "decrypt");
+    else if constexpr (requires { value.Serialize(archive); })
+        value.Serialize(archive);
+    else if constexpr (requires { SerializeData::Serialize(archive, value, true); })
+        SerializeData::Serialize(archive, value, how == "legacy");
+    else
+        SerializeData::Serialize(archive, value);
+}
+
+constexpr std::size_t Megabyte = 1 << 20;
+
+// Nobody asks it for more than there could be room for.
+class WatchedFile : public CMemFile {
+public:
+    using CMemFile::CMemFile;
+    std::size_t Read(void* buffer, std::size_t count) override
+    {
+        EXPECT_LT(count, Megabyte);
+        return CMemFile::Read(buffer, count);
+    }
+};
+
+struct Outcome {
+    string shown;
+    uint64 bytesLeft = 0;
+    string stored;
+};
+using Loader = void (*)(const string& bytes, const string& how, Outcome* outcome);
+
+template <class Value>
+void Load(const string& bytes, const string& how, Outcome* outcome)
+{
+    Value value{};
+    uint64 bytesLeft = 0;
+    const auto transfer = [&](CArchive& archive) {
+        Transfer(archive, value, how);
+        bytesLeft = archive.GetBytesAhead();
+    };
+    LoadFrom<WatchedFile>(bytes, transfer, CArchive::MinBuffer);
+    if (outcome == nullptr)
+        return;
+    LoadFrom(bytes, transfer); // over what is there already
+    *outcome = {Shown::Of(value), bytesLeft, StoredBy(transfer)};
+}
+
+template <class... Values>
+std::vector<Loader> As()
+{
+    return {&Load<Values>...};
+}
+template <class... Values>
+std::vector<Loader> AsTextMap()
+{
+    return As<std::map<CString, Values>..., std::map<CString, Values, NoCase>..., std::map<string, Values>...,
+              std::map<string, Values, NoCase>...>();
+}
+
+const std::vector<Loader>& LoadersOf(const string& kind)
+{
+    using Rects = std::map<CString, CRect>;
+    using RectsNoCase = std::map<CString, CRect, NoCase>;
+    static const std::map<string, std::vector<Loader>> kinds = {
+        {"vector of bool", As<std::vector<bool>>()},
+        {"vector of int", As<std::vector<int>>()},
+        {"vector of uint64", As<std::vector<uint64>>()},
+        {"vector of double", As<std::vector<double>>()},
+        {"vector of text", As<std::vector<CString>, std::vector<string>>()},
+        {"vector of text, protected", As<Protected<std::vector<CString>>>()},
+        {"set of text",
+         As<std::set<CString>, std::set<CString, NoCase>, std::set<string>, std::set<string, NoCase>>()},
+        {"unordered set of text", As<std::unordered_set<string>>()},
+        {"map of int to bool", As<std::map<int, bool>>()},
+        {"map of int to int", As<std::map<int, int>>()},
+        {"map of int to uint64", As<std::map<int, uint64>>()},
+        {"map of int to double", As<std::map<int, double>>()},
+        {"map of int to DateTime", As<std::map<int, DateTime>>()},
+        {"map of int to text", As<std::map<int, CString>, std::map<int, string>>()},
+        {"map of int to text, key 2 protected", As<KeyedMap>()},
+        {"map of int to vector of int", As<std::map<int, std::vector<int>>>()},
+        {"map of text to bool", AsTextMap<bool>()},
+        {"map of text to int", AsTextMap<int>()},
+        {"map of text to int, protected",
+         As<Protected<std::map<CString, int>>, Protected<std::map<CString, int, NoCase>>>()},
+        {"map of text to unsigned", AsTextMap<UINT>()},
+        {"map of text to double", AsTextMap<double>()},
+        {"map of text to DateTime", AsTextMap<DateTime>()},
+        {"map of text to text", AsTextMap<CString, string>()},
+        {"map of text to vector of text", AsTextMap<std::vector<CString>>()},
+        {"map of text to CRect", As<Rects, RectsNoCase>()},
+        {"map of unsigned to map of text to CRect", As<std::map<UINT, Rects>, std::map<UINT, RectsNoCase>>()},
+        {"text", As<string>()},
+        {"bool", As<bool>()},
+        {"encrypted text", As<EncryptedText>()},
+        {"TextArray", As<TextArray>()},
+        {"DateTime", As<DateTime>()},
+        {"DateEntry", As<DateEntry>()},
+        {"MRUArray", As<MRUArray>()},
+        {"MRUArrayByTime", As<MRUArrayByTime>()},
+    };
+    return kinds.at(kind);
+}
+
+string Golden(const string& file)
+{
+    std::ifstream stream(KVT01_TEST_DATA "/golden/" + file + ".bin", std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+// Calls check(load, bytes, line of the manifest) for every golden file and type that takes it.
+template <class Check>
+void ForEachGolden(Check check)
+{
+    for (const auto& line : Table::Read("golden/manifest.tsv"))
+        for (const Loader loader : LoadersOf(line[1])) {
+            SCOPED_TRACE(line[0] + ", " + line[2]);
+            const auto load = [&](const string& bytes, Outcome* outcome = nullptr) {
+                loader(bytes, line[2], outcome);
+            };
+            check(load, Golden(line[0]), line);
+        }
+}
+
+TEST(ArchiveGolden, EveryRecordLoadsAndStoresItsCurrentForm)
+{
+    ForEachGolden([](const auto& load, const string& bytes, const auto& line) {
+        Outcome outcome;
+        load(bytes, &outcome);
+        EXPECT_EQ(outcome.shown, line[4]);
+        EXPECT_EQ(HexOf(outcome.stored), HexOf(Golden(line[3])));
+        EXPECT_TRUE(outcome.bytesLeft == 0 && !bytes.empty());
+    });
+}
+
+TEST(ArchiveGolden, EveryTruncationIsTheEndOfTheData)
+{
+    ForEachGolden([](const auto& load, const string& bytes, const auto&) {
+        for (std::size_t length = 0; length < bytes.size(); ++length)
+            EXPECT_THROW(load(bytes.substr(0, length)), CArchiveException) << length;
+    });
+}
+
+// Loads damaged bytes, within a megabyte: a value, or one of three exceptions, which answers true.
+template <class LoadBytes>
+bool IsRefused(const LoadBytes& load, const string& bytes)
+{
+    const std::size_t before = GetAllocatedInAll();
+    bool isRefused = true;
+    try {
+        load(bytes);
+        isRefused = false;
+    } catch (const CArchiveException&) {
+    } catch (const CFileException&) {
+    } catch (const std::length_error&) {
+    }
+    EXPECT_LT(GetAllocatedInAll() - before, Megabyte) << HexOf(bytes);
+    return isRefused;
+}
+
+TEST(ArchiveGolden, EveryChangedByteLoadsOrIsRefused)
+{
+    ForEachGolden([](const auto& load, const string& bytes, const auto&) {
+        string damaged = bytes;
+        for (std::size_t at = 0; at < bytes.size(); damaged[at] = bytes[at], ++at)
+            for (int change = 1; change < 256; ++change) {
+                damaged[at] = static_cast<char>(bytes[at] ^ change);
+                IsRefused(load, damaged);
+            }
+    });
+}
+
+// Thirty bytes that anywhere claim more than could ever be there: as a count, or as one of a byte array or a
+// text.
+TEST(ArchiveGolden, ClaimedCountsTakeNoMemory)
+{
+    for (const char* count : {"0000000000010000", "0000000000000080", "FFFFFFFFFFFFFFFF"})
+        for (const std::size_t marks : {0u, 6u, 7u}) {
+            const string claim = string(marks, '\xFF') + BytesOf(count);
+            ForEachGolden([&](const auto& load, string bytes, const auto& line) {
+                const bool isContainer = line[2] == "plain" && line[1].find(" of ") != string::npos;
+                bytes.resize(30);
+                for (std::size_t at = 0; at <= bytes.size() - claim.size(); ++at) {
+                    const bool isRefused = IsRefused(load, string(bytes).replace(at, claim.size(), claim));
+                    EXPECT_TRUE(isRefused || !isContainer || at != sizeof(WORD)); // the container's own count
+                }
+            });
+        }
+}
+
+} // namespace
