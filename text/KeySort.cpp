@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "text/Prefetch.h"
+
 namespace {
 
 constexpr std::size_t BlockSize = 8;
@@ -77,8 +79,13 @@ std::vector<KeySort::Entry> KeySort::Sort()
 
 void KeySort::LoadBlocks(const Group& group)
 {
-    for (std::size_t i = group.first; i < group.last; ++i)
+    constexpr std::size_t Ahead = 8; // in time, first the key and then its bytes
+    const std::size_t last = group.last - 1;
+    for (std::size_t i = group.first; i < group.last; ++i) {
+        Prefetch(&m_keys[m_entries[std::min(i + 2 * Ahead, last)].index]);
+        Prefetch(m_keys[m_entries[std::min(i + Ahead, last)].index].data() + group.depth);
         m_entries[i].block = BlockAt(m_entries[i].index, group.depth);
+    }
 }
 
 // By the byte at `shift` and those below it: counted into place, then each byte's entries for themselves.

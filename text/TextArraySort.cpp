@@ -17,6 +17,7 @@
 #include "text/HashIndex.h"
 #include "text/ItemEquality.h"
 #include "text/KeySort.h"
+#include "text/Prefetch.h"
 
 namespace {
 
@@ -208,8 +209,11 @@ void PlaceInOrder(std::vector<CString>& strings, const Order& order)
         return std::reverse(strings.begin(), strings.end());
     std::vector<CString> placed;
     placed.reserve(strings.size());
-    for (const KeySort::Entry& entry : order)
-        placed.push_back(std::move(strings[entry.index]));
+    constexpr std::size_t Ahead = 16; // the strings lie anywhere: the processor is told of them in time
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        Prefetch(&strings[order[std::min(i + Ahead, order.size() - 1)].index]);
+        placed.push_back(std::move(strings[order[i].index]));
+    }
     strings.swap(placed);
 }
 
