@@ -174,7 +174,8 @@ int Convert::Run(const std::vector<CString>& arguments)
     const Encoding* const target = hasTarget ? EncodingNamed(arguments[2].View()) : nullptr;
     if (target == nullptr)
         return 2;
-    const fs::path file = fs::canonical(arguments[0].GetString()); // a link stays a link to the converted file
+    const fs::path file =
+        fs::canonical(arguments[0].GetString()); // a link stays a link to the converted file
     if (!fs::is_regular_file(file))
         throw Failure(file, "no file");
     ConvertFile(file, *target);
