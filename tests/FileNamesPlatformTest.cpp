@@ -4,8 +4,11 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <sys/stat.h>
+#include <thread>
 
 #include "platform/Platform.h"
+#include "platform/posix/OpenFiles.h"
 #include "support/Cases.h"
 #include "support/TemporaryFolder.h"
 
@@ -85,6 +88,43 @@ TEST_F(FileNamesPlatformTest, AFileThatIsHeldOpenStaysUnlessDeletingIsShared)
         EXPECT_EQ(Replace(folder.Path("other").c_str(), folder.Path(isFree ? "moved" : "plain").c_str()),
                   isFree);
         EXPECT_TRUE(CloseHandle(held));
+    }
+}
+
+// Each opener must end up with the file that has the name, not with one that was replaced under his hands.
+TEST_F(FileNamesPlatformTest, OpeningWhileTheFileIsReplacedGetsTheNewOne)
+{
+    const std::string path = folder.Path("plain");
+    std::thread replacer([&] {
+        for (int round = 0; round < 500; ++round)
+            Replace(folder.Write("new", "new").c_str(), path.c_str());
+    });
+    int compared = 0;
+    for (int round = 0; round < 500; ++round) {
+        const HANDLE handle = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        if (handle == INVALID_HANDLE_VALUE)
+            continue;
+        struct stat named = {}, opened = {};
+        EXPECT_EQ(stat(path.c_str(), &named) + fstat(OpenFiles::DescriptorOf(handle), &opened), 0);
+        EXPECT_EQ(named.st_ino, opened.st_ino); // it cannot be replaced while the handle is open
+        ++compared;
+        EXPECT_TRUE(CloseHandle(handle));
+    }
+    replacer.join();
+    EXPECT_GT(compared, 0);
+}
+
+TEST(FullNamesPlatformTest, AreThoseOfTheTable)
+{
+    const std::filesystem::path here = std::filesystem::current_path();
+    for (auto [path, full] : Cases<2>("full names")) {
+        if (full[0] != '/')
+            full.replace(0, 1, (full[0] == '@' ? here : here.parent_path()).string());
+        const auto length = static_cast<DWORD>(full.size());
+        std::string buffer(full.size() + 1, '#');
+        EXPECT_EQ(GetFullPathNameA(path.c_str(), length, buffer.data(), nullptr), length + 1) << path;
+        EXPECT_EQ(GetFullPathNameA(path.c_str(), length + 1, buffer.data(), nullptr), length) << path;
+        EXPECT_EQ(buffer.c_str(), full);
     }
 }
 
