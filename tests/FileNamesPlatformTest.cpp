@@ -39,7 +39,10 @@ TEST_F(FileNamesPlatformTest, OperationsOnNamesAnswerByTheTable)
 {
     using Operation = BOOL (*)(const char* from, const char* to);
     const std::map<std::string, Operation> operations = {
-        {"attributes", [](const char* path, const char*) -> BOOL { return GetFileAttributesA(path) + 1; }},
+        {"attributes",
+         [](const char* path, const char*) -> BOOL {
+             return GetFileAttributesA(path) != INVALID_FILE_ATTRIBUTES;
+         }},
         {"find",
          [](const char* path, const char*) -> BOOL {
              WIN32_FIND_DATAA data;

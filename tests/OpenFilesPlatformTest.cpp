@@ -18,7 +18,6 @@
 namespace {
 
 constexpr DWORD ReadWrite = GENERIC_READ | GENERIC_WRITE;
-constexpr DWORD ShareReadWrite = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 class OpenFilesPlatformTest : public testing::Test {
 protected:

@@ -6,7 +6,8 @@
 #include <algorithm>
 #include <iostream>
 #include <map>
-#include <regex>
+#include <regex.h>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,11 +19,18 @@ using Parts = std::vector<std::string>; // of a text that fits a pattern: what s
 
 inline bool Fits(const std::string& text, const std::string& pattern, Parts& parts)
 {
-    std::smatch found;
-    if (!std::regex_match(text, found, std::regex(pattern, std::regex::extended)))
-        return false;
-    parts.assign(found.begin() + 1, found.end());
-    return true;
+    regex_t expression;
+    if (regcomp(&expression, ("^(" + pattern + ")$").c_str(), REG_EXTENDED) != 0)
+        throw std::invalid_argument(pattern);
+    regmatch_t found[10];
+    const bool fits = regexec(&expression, text.c_str(), std::size(found), found, 0) == 0;
+    parts.clear();
+    for (std::size_t i = 2; fits && i <= expression.re_nsub; ++i) {
+        const auto start = static_cast<std::size_t>(std::max(found[i].rm_so, 0));
+        parts.push_back(text.substr(start, static_cast<std::size_t>(found[i].rm_eo - found[i].rm_so)));
+    }
+    regfree(&expression);
+    return fits;
 }
 
 struct Row {
