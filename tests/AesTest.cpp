@@ -5,7 +5,7 @@
 
 #include "persist/Aes.h"
 #include "support/ArchiveBytes.h"
-#include "support/Table.h"
+#include "support/Cases.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ std::string EachAlone(Aes::ChainFunction run, const Aes::KeySchedule& keys, cons
 // Rows without a chain hold blocks for themselves.
 TEST(Aes, GivesThePublishedBytesInEveryWay)
 {
-    const auto rows = Table::Read("aes-vectors.tsv");
+    const auto rows = RecordedRows("aes-vectors.tsv");
     ASSERT_EQ(rows.size(), 9u);
     for (const auto& row : rows)
         for (const auto& way : Aes::UsableImplementations()) {

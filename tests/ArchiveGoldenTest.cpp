@@ -14,7 +14,7 @@
 #include "SerializeData.h"
 #include "support/AllocationCounter.h"
 #include "support/ArchiveBytes.h"
-#include "support/Table.h"
+#include "support/Cases.h"
 
 namespace {
 
@@ -224,7 +224,7 @@ string Golden(const string& file)
 template <class Check>
 void ForEachGolden(Check check)
 {
-    for (const auto& line : Table::Read("golden/manifest.tsv"))
+    for (const auto& line : RecordedRows("golden/manifest.tsv"))
         for (const Loader loader : LoadersOf(line[1])) {
             SCOPED_TRACE(line[0] + ", " + line[2]);
             const auto load = [&](const string& bytes, Outcome* outcome = nullptr) {

@@ -5,11 +5,11 @@
 #include <climits>
 #include <cstdlib>
 #include <string>
-#include <tuple>
+#include <vector>
 
 #include "support/CalendarModel.h"
+#include "support/Cases.h"
 #include "support/RandomSource.h"
-#include "support/Table.h"
 
 namespace {
 
@@ -30,19 +30,16 @@ DateEntry Weekday(int occurrence, int dayOfWeek, int month, int beforeAfter = 0)
 
 TEST(DateEntryDates, AreThoseOfTheAlmanac)
 {
-    for (const auto& cells : Table::Section("rules")) {
+    for (const auto& cells : Cases<8>("rules")) {
         const auto number = [&](std::size_t cell) { return std::stoi(cells[cell]); };
         DateEntry entry = Weekday(number(0), number(2), number(3), number(4));
         entry.SetDay(number(1));
         entry.SetWeekDay(number(5) != 0);
         DateTime date(1900, 1, 1, 10, 11, 12);
         entry.GetDateFor(number(6), date);
-        const CString expected = cells[7];
-        CString text;
-        if (date.IsValidDate())
-            text.Format("%d-%d-%d", date.GetYear(), date.GetMonth(), date.GetDay());
-        EXPECT_EQ(text, expected) << testing::PrintToString(cells);
-        EXPECT_EQ(date.GetHour() * 10000 + date.GetMinute() * 100 + date.GetSecond(), 101112);
+        EXPECT_EQ(date.IsValidDate() ? date.ConvertDateToText(false) : "", cells[7].c_str())
+            << testing::PrintToString(cells);
+        EXPECT_EQ(date.ConvertTimeToText(false), "10:11:12");
     }
     DateTime missing;
     FixedDay(1, 1, -2).ApplyBeforeAfterDay(missing);
@@ -92,14 +89,11 @@ TEST(DateEntryDates, AreThoseOfTheWalk)
 
 TEST(DateEntryDates, CountOccurrences)
 {
-    const DateEntry thursdays = Weekday(4, 5, 11);
-    for (const int n : {INT_MIN, -1, 0, 1, 2, 3, 4, 5, 6, 7, INT_MAX})
-        EXPECT_EQ(thursdays.GetOccurrenceDate(n, 2024), n >= 1 && n <= 4 ? 7 * n : 0) << n;
-    for (const int year : {INT_MIN, 0, 10000, INT_MAX})
-        EXPECT_EQ(thursdays.GetOccurrenceDate(1, year), 0);
-    for (const int n : {INT_MIN, -1, 0, 1, 6, 7, 8, INT_MAX})
+    for (const int n : {INT_MIN, -1, 0, 1, 4, 5, 6, 7, INT_MAX}) {
+        EXPECT_EQ(Weekday(4, 5, 11).GetOccurrenceDate(n, 2024), n == 1 || n == 4 ? 7 * n : 0) << n;
         EXPECT_EQ(DateEntry::ConvertOccurrence(static_cast<DateEntry::OCCURRENCE>(n)),
-                  n == 1 || n == 6 ? n : 0);
+                  n >= 1 && n <= 6 ? n : 0);
+    }
 }
 
 TEST(DateEntryMatch, GoesByTheRulesMonthAndTheMovedDay)
@@ -118,63 +112,52 @@ TEST(DateEntryMatch, GoesByTheRulesMonthAndTheMovedDay)
 
 TEST(DateEntryMatch, FiltersYears)
 {
-    const struct {
-        int type;
-        const char* matches; // in 99, 100, 2021, 2022, 2023, 2025, 9999, 10000
-    } rows[] = {{0, "01111110"}, {1, "00101110"}, {2, "01010000"}, {3, "00001000"},
-                {4, "00001110"}, {5, "01111000"}, {6, "00000000"}, {-1, "00000000"}};
-    for (const auto& row : rows) {
+    for (const auto& [type, expected] : Cases<2>("year filters")) {
         DateEntry entry = FixedDay(1, 1);
         entry.SetYear(2023);
-        entry.SetYearType(static_cast<DateEntry::YEARTYPE>(row.type));
+        entry.SetYearType(static_cast<DateEntry::YEARTYPE>(std::stoi(type)));
         std::string matches;
         for (const int year : {99, 100, 2021, 2022, 2023, 2025, 9999, 10000})
             matches += entry.IsMatch(1, 1, year) ? '1' : '0';
-        EXPECT_EQ(matches, row.matches) << row.type;
+        EXPECT_EQ(matches, expected) << type;
         EXPECT_FALSE(entry.IsYearMatch(INT_MIN) || entry.IsYearMatch(INT_MAX));
     }
 }
 
 TEST(DateEntryValidity, FollowsTheRuleWithItsDepartures)
 {
-    for (const auto& row : Table::Numbers("validity")) {
-        const auto number = [&](std::size_t cell) { return static_cast<int>(row[cell]); };
-        DateEntry entry = Weekday(number(0), number(2), number(3), number(4));
-        entry.SetDay(number(1));
-        entry.SetYearType(static_cast<DateEntry::YEARTYPE>(number(5)));
-        entry.SetYear(number(6));
-        EXPECT_EQ(entry.IsValid(), row[7] != 0) << testing::PrintToString(row);
-        for (const char* blank : {"", " \t"}) {
-            entry.SetDesc(blank);
-            EXPECT_FALSE(entry.IsValid());
-        }
+    for (const auto& [occurrence, day, dayOfWeek, month, beforeAfter, yearType, year, isRule] :
+         NumberCases<int, 8>("validity")) {
+        DateEntry entry = Weekday(occurrence, dayOfWeek, month, beforeAfter);
+        entry.SetDay(day);
+        entry.SetYearType(static_cast<DateEntry::YEARTYPE>(yearType));
+        entry.SetYear(year);
+        EXPECT_EQ(entry.IsValid(), isRule != 0) << occurrence << ' ' << day << ' ' << dayOfWeek << ' '
+                                                << month << ' ' << beforeAfter << ' ' << year;
+        entry.SetDesc(" \t");
+        EXPECT_FALSE(entry.IsValid());
     }
 }
 
 TEST(DateEntrySetters, ResetWhatTheyDoNotName)
 {
-    const auto fields = [](const DateEntry& entry) {
-        return std::tuple(static_cast<int>(entry.GetOccurrence()), static_cast<int>(entry.GetYearType()),
-                          entry.GetWeekDay(), entry.GetDay(), entry.GetDayOfWeek(),
-                          entry.GetBeforeAfterDayOfWeek(), entry.GetMonth(), entry.GetYear(), entry.GetID(),
-                          std::string(entry.GetDesc()));
+    const auto set = [](auto change) {
+        DateEntry entry = Weekday(7, 9, 9, 9);
+        entry.SetYearType(DateEntry::YearOnly);
+        entry.SetWeekDay(true);
+        entry.SetDay(9);
+        entry.SetYear(9);
+        change(entry);
+        EXPECT_TRUE(entry.GetYearType() == DateEntry::YearEvery && !entry.GetWeekDay() &&
+                    entry.GetYear() == 0);
+        return std::vector<int>{entry.GetOccurrence(), entry.GetDay(), entry.GetDayOfWeek(), entry.GetMonth(),
+                                entry.GetBeforeAfterDayOfWeek()};
     };
-    DateEntry filled = Weekday(7, 9, 9, 9);
-    EXPECT_EQ(fields(DateEntry()), std::tuple(0, 0, false, 0, 0, 0, 0, 0, -1, ""));
-    filled.SetYearType(DateEntry::YearOnly);
-    filled.SetWeekDay(true);
-    filled.SetDay(9);
-    filled.SetYear(9);
-    filled.SetID(9);
-    DateEntry day = filled, dayOfWeek = filled, movedDay = filled, movedWeekday = filled;
-    day.SetDay("a", 2, 3);
-    dayOfWeek.SetDayOfWeek("b", DateEntry::OccurrenceSecond, 4, 5);
-    movedDay.SetBeforeAfterDay("c", 2, 3, -6);
-    movedWeekday.SetBeforeAfterDayOfWeek("d", DateEntry::OccurrenceSecond, 4, 5, -6);
-    EXPECT_EQ(fields(day), std::tuple(0, 0, false, 2, 0, 9, 3, 0, 9, "a")); // before/after stays
-    EXPECT_EQ(fields(dayOfWeek), std::tuple(2, 0, false, 0, 4, 0, 5, 0, 9, "b"));
-    EXPECT_EQ(fields(movedDay), std::tuple(0, 0, false, 2, 0, -6, 3, 0, 9, "c"));
-    EXPECT_EQ(fields(movedWeekday), std::tuple(2, 0, false, 0, 4, -6, 5, 0, 9, "d"));
+    EXPECT_EQ(set([](DateEntry& entry) { entry.SetDay("", 2, 3); }),
+              (std::vector{0, 2, 0, 3, 9})); // before/after stays
+    EXPECT_EQ(set([](DateEntry& entry) { entry.SetDayOfWeek("", DateEntry::OccurrenceSecond, 4, 5); }),
+              (std::vector{2, 0, 4, 5, 0}));
+    EXPECT_EQ(set([](DateEntry& entry) { entry = FixedDay(2, 3, -6); }), (std::vector{0, 2, 0, 3, -6}));
 }
 
 } // namespace

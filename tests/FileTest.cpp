@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <new>
 #include <string>
 
 #include "CMemFile.h"
+#include "CStdioFile.h"
 #include "support/ArchiveBytes.h"
 #include "support/RandomSource.h"
 #include "support/TemporaryFolder.h"
@@ -64,9 +66,10 @@ TEST(File, EveryKindOfFileHoldsBytesAlike)
     const TemporaryFolder folder;
     BYTE bytes[1000];
     CFile onDisk(folder.Path("random").c_str(), CFile::modeCreate | CFile::modeReadWrite);
+    CStdioFile buffered(folder.Path("buffered").c_str(),
+                        CFile::modeCreate | CFile::modeReadWrite | CFile::typeBinary);
     CMemFile memory, smallSteps(1), outgrown(bytes, sizeof bytes, 16);
-    for (CFile* file : {&onDisk, static_cast<CFile*>(&memory), static_cast<CFile*>(&smallSteps),
-                        static_cast<CFile*>(&outgrown)})
+    for (CFile* file : std::initializer_list<CFile*>{&onDisk, &buffered, &memory, &smallSteps, &outgrown})
         BehavesAsBytes(*file);
 }
 
@@ -76,31 +79,26 @@ TEST(File, ModesDecideWhatOpenDoesWithWhatIsThere)
     constexpr UINT Create = CFile::modeCreate, Keep = CFile::modeCreate | CFile::modeNoTruncate;
     const struct {
         UINT flags;
-        bool existing;
-        const char* after; // once "new" is written; nullptr where it does not open
-    } rows[] = {{CFile::modeRead, false, nullptr},
-                {CFile::modeWrite, false, nullptr},
-                {CFile::modeWrite, true, "newcontent"},
-                {CFile::modeReadWrite, true, "newcontent"},
-                {Create | CFile::modeWrite, false, "new"},
-                {Create | CFile::modeWrite, true, "new"},
-                {Keep | CFile::modeWrite, true, "newcontent"},
-                {Keep | CFile::modeReadWrite, false, "new"}};
+        const char *existing, *after; // once "new" is written; nullptr where there is none
+    } rows[] = {{CFile::modeRead, nullptr, nullptr},
+                {CFile::modeReadWrite, "oldcontent", "newcontent"},
+                {Create | CFile::modeWrite, nullptr, "new"},
+                {Create | CFile::modeWrite, "oldcontent", "new"},
+                {Keep | CFile::modeWrite, "oldcontent", "newcontent"},
+                {Keep | CFile::modeReadWrite, nullptr, "new"}};
     for (const auto& row : rows) {
-        const std::string name = std::to_string(&row - rows);
-        SCOPED_TRACE(name);
-        if (row.existing)
-            folder.Write(name, "oldcontent");
+        const std::string path = folder.Path(std::to_string(&row - rows));
+        SCOPED_TRACE(path);
+        if (row.existing != nullptr)
+            folder.Write(std::to_string(&row - rows), row.existing);
         CFile file;
         CFileException error;
-        const bool opens = row.after != nullptr;
-        ASSERT_EQ(file.Open(folder.Path(name).c_str(), row.flags | CFile::shareDenyNone, &error), opens);
-        EXPECT_EQ(file.IsOpen(), opens);
-        EXPECT_EQ(error.m_cause, opens ? CFileException::none : CFileException::fileNotFound);
-        if (opens)
+        ASSERT_EQ(file.Open(path.c_str(), row.flags | CFile::shareDenyNone, &error), row.after != nullptr);
+        EXPECT_EQ(error.m_cause, file.IsOpen() ? CFileException::none : CFileException::fileNotFound);
+        if (file.IsOpen())
             file.Write("new", 3);
         file.Close();
-        EXPECT_EQ(folder.Read(name), opens ? row.after : "");
+        EXPECT_EQ(folder.Read(std::to_string(&row - rows)), row.after == nullptr ? "" : row.after);
     }
 }
 
@@ -108,59 +106,61 @@ TEST(File, FailuresNameTheFileAndTheReason)
 {
     const TemporaryFolder folder;
     const std::string missing = folder.Path("missing.txt");
-    try {
-        CFile file(missing.c_str(), CFile::modeRead);
-        FAIL();
-    } catch (const CFileException& exception) {
-        EXPECT_EQ(exception.m_cause, CFileException::fileNotFound);
-        EXPECT_EQ(exception.m_lOsError, 2);
-        EXPECT_EQ(exception.m_strFileName, missing.c_str());
-        EXPECT_NE(std::string(exception.what()).find(missing), std::string::npos);
-    }
-    EXPECT_THROW(CFile::Remove(missing.c_str()), CFileException);
-    EXPECT_THROW(CFile::Rename(missing.c_str(), folder.Path("other").c_str()), CFileException);
-    CFile closed;
-    char c = 0;
-    EXPECT_THROW(closed.Read(&c, 1), CFileException);
-    EXPECT_THROW(closed.Write(&c, 1), CFileException);
-    EXPECT_THROW(closed.GetLength(), CFileException);
-    EXPECT_THROW(closed.Flush(), CFileException);
+    CFile closed, full;
     closed.Close();
+    const bool isFull = full.Open("/dev/full", CFile::modeWrite);
+    char c = 0;
+    const struct {
+        std::function<void()> operation;
+        int cause, error;
+        std::string file;
+    } rows[] = {{[&] { CFile(missing.c_str(), CFile::modeRead); }, CFileException::fileNotFound, 2, missing},
+                {[&] { CFile::Remove(missing.c_str()); }, CFileException::fileNotFound, 2, missing},
+                {[&] { CFile::Rename(missing.c_str(), "x"); }, CFileException::fileNotFound, 2, missing},
+                {[&] { full.Write(&c, 1); }, isFull ? CFileException::diskFull : CFileException::invalidFile,
+                 isFull ? 112 : 0, isFull ? "/dev/full" : ""},
+                {[&] { closed.Read(&c, 1); }, CFileException::invalidFile, 0, ""},
+                {[&] { closed.Write(&c, 1); }, CFileException::invalidFile, 0, ""},
+                {[&] { closed.GetLength(); }, CFileException::invalidFile, 0, ""},
+                {[&] { closed.Flush(); }, CFileException::invalidFile, 0, ""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        try {
+            row.operation();
+            ADD_FAILURE();
+        } catch (const CFileException& exception) {
+            EXPECT_EQ(exception.m_cause, row.cause);
+            EXPECT_EQ(exception.m_lOsError, row.error);
+            EXPECT_EQ(exception.m_strFileName, row.file.c_str());
+            EXPECT_NE(std::string(exception.what()).find(row.file), std::string::npos);
+        }
+    }
 }
 
 TEST(File, FilesAreNamedMovedAndRemoved)
 {
     const TemporaryFolder folder;
-    const std::string path = folder.Path("report.old.txt"), other = folder.Path("other");
-    {
-        CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
-        file.Write("12345", 5);
-        file.Flush();
-        EXPECT_EQ(file.GetFilePath(), path.c_str());
-        EXPECT_EQ(file.GetFileName(), "report.old.txt");
-        EXPECT_EQ(file.GetFileTitle(), "report.old");
-    }
+    const std::string path = folder.Write("report.old.txt", "12345"), other = folder.Path("other");
     {
         CFile first(path.c_str(), CFile::modeRead | CFile::shareDenyNone), second;
+        EXPECT_EQ(first.GetFilePath() + first.GetFileName() + first.GetFileTitle(),
+                  (path + "report.old.txtreport.old").c_str());
         CFileException error;
         EXPECT_FALSE(second.Open(path.c_str(), CFile::modeRead | CFile::shareExclusive, &error));
         EXPECT_EQ(error.m_cause, CFileException::sharingViolation);
         EXPECT_TRUE(second.Open(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone));
     }
-    CFileStatus status;
-    ASSERT_TRUE(CFile::GetStatus(path.c_str(), status));
-    EXPECT_TRUE(status.m_size == 5 && !status.m_readOnly && !status.m_folder);
-    ASSERT_TRUE(CFile::GetStatus(folder.Path().c_str(), status));
-    EXPECT_TRUE(status.m_folder);
     CFile::Rename(path.c_str(), other.c_str());
+    CFileStatus status;
     EXPECT_FALSE(CFile::GetStatus(path.c_str(), status));
-    folder.Write("report.old.txt", "");
-    EXPECT_THROW(CFile::Rename(path.c_str(), other.c_str()), CFileException);
-    EXPECT_EQ(folder.Read("other"), "12345");
+    ASSERT_TRUE(CFile::GetStatus(other.c_str(), status));
+    EXPECT_TRUE(status.m_size == 5 && !status.m_readOnly && !status.m_folder);
     std::filesystem::permissions(other, std::filesystem::perms::owner_read);
     ASSERT_TRUE(CFile::GetStatus(other.c_str(), status));
-    EXPECT_TRUE(status.m_readOnly);
-    CFile::Remove(path.c_str());
+    EXPECT_TRUE(status.m_size == 5 && status.m_readOnly);
+    ASSERT_TRUE(CFile::GetStatus(folder.Path().c_str(), status));
+    EXPECT_TRUE(status.m_folder);
+    CFile::Remove(folder.Write("report.old.txt", "").c_str());
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <climits>
 #include <cstring>
 #include <map>
-#include <sstream>
 #include <thread>
 #include <vector>
 
@@ -12,14 +12,12 @@
 #include "LocaleUtils.h"
 #include "framework/FailureMarkers.h"
 #include "platform/posix/IcuLoader.h"
-#include "support/Table.h"
+#include "support/Cases.h"
 #include "support/UserSettings.h"
 
 namespace {
 
 const char* const TwoDigitYears = "Control Panel\\International\\Calendars\\TwoDigitYearMax";
-
-using Table::Unescaped;
 
 std::vector<std::string> markers;
 
@@ -35,8 +33,8 @@ protected:
 
 TEST_F(Locale, FoldsGroupings)
 {
-    for (const auto& cells : Table::Section("groupings"))
-        EXPECT_EQ(LocaleUtils::ConvertGrouping(Unescaped(cells[0])), std::stoul(cells[1])) << cells[0];
+    for (const auto& [grouping, number] : Cases<2>("groupings"))
+        EXPECT_EQ(LocaleUtils::ConvertGrouping(grouping), std::stoul(number)) << grouping;
     Use("sGrouping", "3;2;0");
     Use("sMonGrouping", "4;0");
     EXPECT_EQ(LocaleUtils::GetDigitGrouping(), 32u);
@@ -45,30 +43,30 @@ TEST_F(Locale, FoldsGroupings)
 
 TEST_F(Locale, NamesDaysFromSundayAndMonthsUpToThirteen)
 {
-    const char* const days[] = {"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"};
-    for (int day = 1; day <= 7; ++day) {
-        EXPECT_EQ(LocaleUtils::GetDayName(day, false), days[day - 1]);
-        EXPECT_EQ(LocaleUtils::GetDayName(day, true), CString(days[day - 1]).Left(3));
-    }
+    CString names;
+    for (int day = 1; day <= 7; ++day)
+        names += LocaleUtils::GetDayName(day, false) + ' ' + LocaleUtils::GetDayName(day, true) + ' ';
+    EXPECT_EQ(names, "Sunday Sun Monday Mon Tuesday Tue Wednesday Wed Thursday Thu Friday Fri Saturday Sat ");
     EXPECT_EQ(LocaleUtils::GetMonthName(1, false) + LocaleUtils::GetMonthName(12, true), "JanuaryDec");
     Set("LC_ALL", "fi_FI.UTF-8");
     EXPECT_EQ(LocaleUtils::GetDayName(1, false) + LocaleUtils::GetMonthName(12, false),
               "sunnuntainajoulukuu");
     EXPECT_EQ(LocaleUtils::GetMonthName(13, false) + LocaleUtils::GetMonthName(13, true), "");
     EXPECT_TRUE(markers.empty());
-    for (const int wild : {-2147483647 - 1, -1, 0, 14, 2147483647}) {
+    for (const int wild : {INT_MIN, -1, 0, 14, INT_MAX}) {
         markers.clear();
-        EXPECT_EQ(LocaleUtils::GetMonthName(wild, false), "");
-        EXPECT_EQ(LocaleUtils::GetDayName(wild, true), "");
-        EXPECT_EQ(markers, (std::vector<std::string>{"{408654B2-6791-46be-96AE-DECE99832073}",
-                                                     "{9358F711-98BB-411f-8F4C-A9BE05892568}"}));
+        EXPECT_EQ(LocaleUtils::GetMonthName(wild, false) + LocaleUtils::GetDayName(wild, true), "");
+        EXPECT_EQ(markers, (std::vector<std::string>{"{9358F711-98BB-411f-8F4C-A9BE05892568}",
+                                                     "{408654B2-6791-46be-96AE-DECE99832073}"}));
     }
-    EXPECT_EQ(LocaleUtils::GetDayName(8, false), "");
-    EXPECT_EQ(LocaleUtils::GetLocaleInfoFor(3), "");
-    EXPECT_EQ(markers.back(), "{5F7F49DE-1922-43EA-A2DF-CF45C26EE41B}");
-    unsigned int value = 77;
-    LocaleUtils::GetLocaleInfoNumberFor(LOCALE_SDECIMAL, value);
-    EXPECT_EQ(value, 77u);
+    for (const unsigned long item : {0ul, 3ul, 127ul, 128ul, 4095ul, 4224ul, 0x1FFFFFFFul, ~0ul}) {
+        markers.clear();
+        EXPECT_EQ(LocaleUtils::GetLocaleInfoFor(item), "");
+        EXPECT_EQ(markers, std::vector<std::string>{"{5F7F49DE-1922-43EA-A2DF-CF45C26EE41B}"}) << item;
+        unsigned int value = 77;
+        LocaleUtils::GetLocaleInfoNumberFor(item == 0 ? LOCALE_SDECIMAL : item, value);
+        EXPECT_EQ(value, 77u);
+    }
 }
 
 // What the getters make of the settings, by the setting's name.
@@ -103,56 +101,47 @@ std::map<std::string, std::string> Forms()
 
 TEST_F(Locale, ReadsTheFormsOffTheirNumbers)
 {
-    for (const auto& cells : Table::Section("forms")) {
-        std::istringstream forms(cells[1]);
-        int number = 0;
-        for (std::string form; forms >> form; ++number) {
-            Use(cells[0], std::to_string(number));
-            EXPECT_EQ(Forms()[cells[0]], form) << cells[0] << ' ' << number;
+    for (const auto& [setting, forms] : Cases<2>("forms"))
+        for (int number = 0; const std::string& form : CellsOf(forms, ' ')) {
+            Use(setting, std::to_string(number));
+            EXPECT_EQ(Forms()[setting], form) << setting << ' ' << number;
+            ++number;
         }
-    }
 }
 
 TEST_F(Locale, TakesAUsersPatternsForTheItemsThatAreReadOffThem)
 {
     Use("sShortDate", "dd'd'-MM-yy");
     Use("sTimeFormat", "tt HH.mm");
-    const std::map<std::string, std::string> expected = {
-        {"iDate", "012"}, {"iDayLZero", "1"},   {"iMonLZero", "1"}, {"iCentury", "0"},
-        {"iTime", "0"},   {"iTimePrefix", "1"}, {"iTLZero", "1"}};
-    for (const auto& [item, form] : expected)
-        EXPECT_EQ(Forms()[item], form) << item;
+    auto forms = Forms();
+    EXPECT_EQ(forms["iDate"] + forms["iDayLZero"] + forms["iMonLZero"] + forms["iCentury"], "012110");
+    EXPECT_EQ(forms["iTime"] + forms["iTimePrefix"] + forms["iTLZero"], "011");
     EXPECT_EQ(LocaleUtils::GetDateSeparator() + LocaleUtils::GetTimeSeparator(), "'d'-.");
     Use("sDate", "~"); // the item's own setting wins
     EXPECT_EQ(LocaleUtils::GetDateSeparator(), "~");
-    for (const char* pattern : {"", "x", "''", "'", "d", "yyyy"}) {
-        Use("sShortDate", pattern);
-        Use("sTimeFormat", pattern);
-        Forms();
-    }
 }
 
 TEST_F(Locale, GoesByTheCategoryOfTheItem)
 {
-    for (const auto& cells : Table::Section("categories")) {
-        Set(cells[0], cells[1]);
+    for (const auto& [variable, locale, expected] : Cases<3>("categories")) {
+        Set(variable, locale);
         CString answers;
         answers.Format("%s %u %u %d %u", LocaleUtils::GetDayName(2, false).GetString(),
                        LocaleUtils::GetDigitGrouping(), LocaleUtils::GetCurrencyFractionalDigits(),
                        LocaleUtils::GetUSMeasurementSystem(), LocaleUtils::GetCountryCode());
-        EXPECT_EQ(answers, Unescaped(cells[2]).c_str()) << cells[0];
+        EXPECT_EQ(answers, expected) << variable;
     }
 }
 
 TEST_F(Locale, FallsBackToTheLanguageAndThenToEnglish)
 {
-    for (const auto& cells : Table::Section("locales")) {
-        Set("LC_ALL", Unescaped(cells[0]));
-        EXPECT_EQ(LocaleUtils::GetDayName(1, false), cells[1].c_str()) << cells[0];
-        EXPECT_EQ(LocaleUtils::GetCountryName(), cells[2].c_str()) << cells[0];
+    auto rows = Cases<3>("locales");
+    rows.push_back({std::string(100'000, 'd'), "Sunday", "United States"});
+    for (const auto& [locale, sunday, country] : rows) {
+        Set("LC_ALL", locale);
+        EXPECT_EQ(LocaleUtils::GetDayName(1, false), sunday) << locale;
+        EXPECT_EQ(LocaleUtils::GetCountryName(), country) << locale;
     }
-    Set("LC_ALL", std::string(100'000, 'd'));
-    EXPECT_EQ(LocaleUtils::GetDayName(1, false), "Sunday");
     Set("LC_ALL", "sr_RS@latin");
     EXPECT_EQ(LocaleUtils::GetLanguageName(), "Serbian (Latin)");
     EXPECT_TRUE(markers.empty());
@@ -196,26 +185,20 @@ TEST_F(Locale, SeesChangesAtOnceButKeepsFiveSeparators)
     EXPECT_EQ(LocaleUtils::GetDayName(1, false), "domenica");
     unsetenv("LC_TIME");
     EXPECT_EQ(LocaleUtils::GetDayName(1, false), "Sunday");
-    char** const saved = environ;
-    char* none[] = {nullptr};
-    for (char** const other : {none, none, static_cast<char**>(nullptr), static_cast<char**>(nullptr)}) {
-        environ = other;
-        EXPECT_EQ(LocaleUtils::GetDayName(1, false), "Sunday");
-    }
+    char** const saved = std::exchange(environ, nullptr);
+    EXPECT_EQ(LocaleUtils::GetDayName(1, false), "Sunday");
     environ = saved;
 }
 
 TEST_F(Locale, SeesAnotherProcessWithinASecond)
 {
     EXPECT_EQ(LocaleUtils::GetTimeSeparator(), ":");
+    EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 29);
     WriteFile(International() / "sTime", "h\n");
     WriteFile(International() / "Calendars/TwoDigitYearMax/1", "2049\n");
     std::this_thread::sleep_for(std::chrono::milliseconds(1100));
     EXPECT_EQ(LocaleUtils::GetTimeSeparator(), "h");
     EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 49);
-    WriteFile(International() / "sTime", "m"); // in place: the folder looks the same
-    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-    EXPECT_EQ(LocaleUtils::GetTimeSeparator(), "m");
 }
 
 TEST_F(Locale, PassesOverSettingsThatAreNone)
@@ -237,49 +220,12 @@ TEST_F(Locale, PassesOverSettingsThatAreNone)
 TEST_F(Locale, HasATwoDigitYearLimit)
 {
     EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 29);
-    auto rows = Table::Section("limit of two digits");
-    rows.push_back({std::string(254, ' ') + "12", "12"});
-    for (const auto& cells : rows) {
-        Use("1", Unescaped(cells[0]), TwoDigitYears);
-        EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), std::stoi(cells[1])) << cells[0];
+    auto rows = Cases<2>("limit of two digits");
+    rows.push_back({std::string(10'000'000, '1'), "11"});
+    for (const auto& [setting, limit] : rows) {
+        Use("1", setting, TwoDigitYears);
+        EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), std::stoi(limit)) << setting.substr(0, 10);
     }
-    const auto file = International() / "Calendars/TwoDigitYearMax/1";
-    WriteFile(file, std::string(10'000'000, '1'));
-    Use("another", "", TwoDigitYears); // so that the file is read again
-    EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 11);
-    std::filesystem::remove(file);
-    std::filesystem::create_directory(file);
-    Use("another", "", TwoDigitYears);
-    EXPECT_EQ(LocaleUtils::GetTwoDigitYearMax(), 29);
-}
-
-TEST_F(Locale, KeepsToTheRoomOfTheCaller)
-{
-    char buffer[8] = "#";
-    DWORD error = 0;
-    const auto ask = [&](LCTYPE item, int size) {
-        SetLastError(0);
-        const int result = GetLocaleInfoA(LOCALE_USER_DEFAULT, item, buffer, size);
-        error = GetLastError();
-        return result;
-    };
-    constexpr LCTYPE Number = LOCALE_IDIGITS | LOCALE_RETURN_NUMBER;
-    for (const LCTYPE item : {LOCALE_SGROUPING, Number}) { // "3;0", and four bytes
-        EXPECT_EQ(ask(item, 0), 4);
-        EXPECT_EQ(ask(item, 3), 0);
-        EXPECT_EQ(error, ERROR_INSUFFICIENT_BUFFER);
-    }
-    EXPECT_EQ(ask(LOCALE_SGROUPING, -1), 0);
-    EXPECT_EQ(error, ERROR_INVALID_PARAMETER);
-    for (const LCTYPE item : {LCTYPE{0}, LCTYPE{127}, LCTYPE{128}, LCTYPE{4095}, LCTYPE{4224},
-                              LCTYPE{0x1FFFFFFF}, LOCALE_SDECIMAL | LOCALE_RETURN_NUMBER}) {
-        EXPECT_EQ(ask(item, 8), 0) << item;
-        EXPECT_EQ(error, ERROR_INVALID_FLAGS);
-    }
-    EXPECT_EQ(GetLocaleInfoA(1031, LOCALE_SDECIMAL, buffer, 8), 0);
-    EXPECT_STREQ(buffer, "#");
-    EXPECT_EQ(ask(LOCALE_SGROUPING, 4), 4);
-    EXPECT_STREQ(buffer, "3;0");
 }
 
 TEST_F(Locale, MayBeAskedByManyThreads)

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "NumberTextConv.h"
-#include "support/Table.h"
+#include "support/Cases.h"
 #include "support/UserSettings.h"
 
 namespace {
@@ -25,78 +25,26 @@ UINT Number(const std::string& cell)
     return static_cast<UINT>(std::stoul(cell));
 }
 
-struct Recorded {
-    std::string digits, decimal, thousands, result;
-    UINT grouping, order;
-};
-
-std::vector<Recorded> TrustedRows()
-{
-    using Table::Unescaped;
-    std::vector<Recorded> rows;
-    for (const auto& cells : Table::Read("numberformat-answers.tsv"))
-        if (cells[6] == "yes")
-            rows.push_back({Unescaped(cells[0]), Unescaped(cells[3]), Unescaped(cells[4]),
-                            Unescaped(cells[5]), Number(cells[1]), Number(cells[2])});
-    return rows;
-}
-
 TEST(NumberFormat, IsTheRecordedOne)
 {
-    const std::vector<Recorded> rows = TrustedRows();
-    EXPECT_EQ(rows.size(), 370u);
-    for (const Recorded& row : rows)
-        EXPECT_EQ(Formatted(row.digits,
-                            {0, 0, row.grouping, row.decimal.c_str(), row.thousands.c_str(), row.order}),
-                  row.result)
-            << row.digits << " by " << row.grouping;
-}
-
-TEST(NumberFormat, OfEmptyGroupsFractionsAndZeros)
-{
-    for (const auto& cells : Table::Section("format")) {
-        const NUMBERFMTA format = {Number(cells[1]), Number(cells[2]), Number(cells[3]), ".", ",", 1};
-        EXPECT_EQ(Formatted(cells[0], format), cells[4]) << testing::PrintToString(cells);
+    int compared = 0;
+    for (const auto& cells : RecordedRows("numberformat-answers.tsv")) {
+        if (cells[6] != "yes")
+            continue;
+        ++compared;
+        const std::string decimal = Unescaped(cells[3]), thousands = Unescaped(cells[4]);
+        const NUMBERFMTA format = {
+            0, 0, Number(cells[1]), decimal.c_str(), thousands.c_str(), Number(cells[2])};
+        EXPECT_EQ(Formatted(Unescaped(cells[0]), format), Unescaped(cells[5]))
+            << testing::PrintToString(cells);
     }
-    // Nothing depends on the length of the number.
-    const std::string text = Formatted(std::string(1'000'000, '7'), {0, 0, 1, ".", ",", 1});
-    EXPECT_EQ(text.size(), 1'999'999u);
-    EXPECT_EQ(text.substr(0, 5), "7,7,7");
+    EXPECT_EQ(compared, 370);
+    for (const auto& [digits, places, zero, grouping, result] : Cases<5>("format"))
+        EXPECT_EQ(Formatted(digits, {Number(places), Number(zero), Number(grouping), ".", ",", 1}), result)
+            << digits << " by " << grouping;
 }
 
 class GroupedText : public testing::Test, public UserSettings {};
-
-std::string GroupingText(UINT grouping)
-{
-    std::string text;
-    for (const char digit : std::to_string(grouping))
-        text += std::string(text.empty() ? "" : ";") + digit;
-    return text;
-}
-
-// All recorded rows that the two writers can be brought to write through the user's own settings.
-TEST_F(GroupedText, IsTheRecordedOneByTheUsersSettings)
-{
-    int compared = 0;
-    for (const Recorded& row : TrustedRows()) {
-        const bool isZero = row.digits.find_first_not_of("-0") == std::string::npos;
-        const bool isPlain = row.digits.find_first_not_of("-0123456789") == std::string::npos && !isZero &&
-                             row.digits.find_first_of("123456789") == (row.digits[0] == '-' ? 1u : 0u);
-        if (!isPlain || GroupingText(row.grouping).find_first_of("09") != std::string::npos ||
-            row.decimal.empty() || row.thousands.empty() || row.result.starts_with("ERROR"))
-            continue;
-        Use("sGrouping", GroupingText(row.grouping));
-        Use("iNegNumber", std::to_string(row.order));
-        LocaleUtils::m_csDecimalSeparator = row.decimal;
-        LocaleUtils::m_csThousandsSeparator = row.thousands;
-        const CString text = row.digits[0] == '-'
-                                 ? NumberTextConv::NumberToString(std::stoi(row.digits), true)
-                                 : NumberTextConv::NumberToString(uint64{std::stoull(row.digits)}, true);
-        EXPECT_EQ(text, row.result.c_str()) << row.digits << " by " << row.grouping;
-        ++compared;
-    }
-    EXPECT_GT(compared, 200);
-}
 
 TEST_F(GroupedText, StaysWithinFourCharactersOfASeparatorAndPlainWhereTheFormIsNone)
 {

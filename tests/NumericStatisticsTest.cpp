@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <sstream>
 
 #include "Statistics.h"
+#include "support/Cases.h"
 #include "support/RandomSource.h"
-#include "support/Table.h"
 
 namespace {
 
@@ -16,29 +15,26 @@ using Sample = std::vector<double>;
 Sample Values(const std::string& cell)
 {
     Sample values;
-    std::istringstream stream(cell);
-    for (std::string value; stream >> value;)
-        values.push_back(std::strtod(value.c_str(), nullptr));
+    for (const std::string& value : CellsOf(cell, ' '))
+        if (!value.empty())
+            values.push_back(std::strtod(value.c_str(), nullptr));
     return values;
 }
 
 TEST(Statistics, AreThoseOfTheTable)
 {
-    for (const auto& cells : Table::Section("sample")) {
+    for (const auto& cells : Cases<7>("sample")) {
+        SCOPED_TRACE(cells[0]);
         const Sample sample = Values(cells[0]);
         double minimum = -1, maximum = -1;
         Statistics::GetSampleRange(sample, minimum, maximum);
-        const double results[] = {Statistics::GetSumTotal(sample),
-                                  Statistics::GetSampleMean(sample),
-                                  Statistics::GetSampleMedian(sample),
-                                  Statistics::GetSampleStandardDeviation(sample),
-                                  minimum,
-                                  maximum};
-        for (std::size_t i = 0; i < std::size(results); ++i) {
-            SCOPED_TRACE(testing::PrintToString(cells) + " " + std::to_string(i));
-            const double expected = std::strtod(cells[i + 1].c_str(), nullptr);
-            const bool areNone = std::isnan(results[i]) && std::isnan(expected);
-            EXPECT_DOUBLE_EQ(areNone ? 0 : results[i], areNone ? 0 : expected);
+        std::size_t cell = 0;
+        for (const double result : {Statistics::GetSumTotal(sample), Statistics::GetSampleMean(sample),
+                                    Statistics::GetSampleMedian(sample),
+                                    Statistics::GetSampleStandardDeviation(sample), minimum, maximum}) {
+            const double expected = std::strtod(cells[++cell].c_str(), nullptr);
+            EXPECT_EQ(std::isnan(result), std::isnan(expected)) << cell;
+            EXPECT_DOUBLE_EQ(std::isnan(result) ? 0 : result, std::isnan(expected) ? 0 : expected) << cell;
         }
     }
 }
@@ -46,10 +42,9 @@ TEST(Statistics, AreThoseOfTheTable)
 TEST(SampleMode, CutsTowardZeroAndTheFirstMetWinsATie)
 {
     std::size_t count = 77;
-    for (const auto& cells : Table::Section("mode")) {
-        SCOPED_TRACE(cells[0]);
-        EXPECT_EQ(Statistics::GetSampleMode(Values(cells[0]), count), std::stoi(cells[1]));
-        EXPECT_EQ(count, std::stoull(cells[2]));
+    for (const auto& [values, mode, occurrence] : Cases<3>("mode")) {
+        EXPECT_EQ(Statistics::GetSampleMode(Values(values), count), std::stoi(mode)) << values;
+        EXPECT_EQ(count, std::stoull(occurrence)) << values;
     }
     RandomSource random; // against counting each value
     for (int round = 0; round < 2000; ++round) {
@@ -68,10 +63,10 @@ TEST(SampleMode, CutsTowardZeroAndTheFirstMetWinsATie)
 
 TEST(TrimSample, TakesAsManyFromBothEnds)
 {
-    for (const auto& cells : Table::Section("trim")) {
-        Sample sample = Values(cells[0]);
-        Statistics::TrimSample(sample, std::stoull(cells[1]));
-        EXPECT_EQ(sample, Values(cells[2])) << testing::PrintToString(cells);
+    for (const auto& [values, percent, kept] : Cases<3>("trim")) {
+        Sample sample = Values(values);
+        Statistics::TrimSample(sample, std::stoull(percent));
+        EXPECT_EQ(sample, Values(kept)) << values << " by " << percent;
     }
     // With a NaN, only sorted.
     Sample sample(100, std::nan(""));

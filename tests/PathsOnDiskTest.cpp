@@ -70,8 +70,15 @@ TEST_F(PathsOnDisk, TemporaryFilesAreMadeAndFailuresLeaveAMarker)
     const CString path = FileUtils::GetTempFile(Path(), "abcdef", unique);
     EXPECT_NE(unique, 0u);
     EXPECT_TRUE(fs::is_empty(path.GetString()));
-    EXPECT_EQ(FileUtils::ParseFileNameFromPath(path).Left(3), "abc");
-    EXPECT_NE(FileUtils::GetTempFile(Path() + " \t", "abc", unique), "");
+    CString expected;
+    expected.Format("abc%X.tmp", unique);
+    EXPECT_EQ(FileUtils::ParseFileNameFromPath(path), expected);
+    const auto deep = [&](std::size_t length) {
+        return CString(m_folder.MakeFolder(std::string(length - m_folder.Path().size() - 1, 'd') + "/"));
+    };
+    for (const CString& good :
+         {Path() + " \t", deep(246)}) // the longest whose names all fit the system's answer
+        EXPECT_NE(FileUtils::GetTempFile(good, "abc", unique), "") << good;
     EXPECT_TRUE(markers.IsEmpty());
     for (const CString& bad :
          {CString(), Path().Left(Path().GetLength() - 1), Path("missing/"), CString("   ")}) {
@@ -80,42 +87,34 @@ TEST_F(PathsOnDisk, TemporaryFilesAreMadeAndFailuresLeaveAMarker)
         EXPECT_EQ(unique, 0u);
     }
     EXPECT_EQ(markers, ArrayOf(Texts(4, "{F1A8BB00-471B-4D7C-9766-55857561C699}")));
-    const CString longer = m_folder.MakeFolder(std::string(240, 'd') + "/"); // than the system's answer
-    EXPECT_EQ(FileUtils::GetTempFile(longer, "abc", unique), "");
-    EXPECT_EQ(markers.GetLast().Left(38), "{E4949422-0B7B-4D2B-AE39-0E30647219F3}");
-    EXPECT_GT(markers.GetLast().GetLength(), 40);
+    for (const auto& [folder, prefix] : {std::pair(deep(247), "abc"), {Path(), "a/b"}, {Path(), "a\\b"}}) {
+        EXPECT_EQ(FileUtils::GetTempFile(folder, prefix, unique), "") << folder;
+        EXPECT_EQ(markers.GetLast().Left(38), "{E4949422-0B7B-4D2B-AE39-0E30647219F3}");
+        EXPECT_GT(markers.GetLast().GetLength(), 40);
+    }
 }
 
 TEST_F(PathsOnDisk, PathsComeBackInTheCaseThatIsStored)
 {
     for (const char* name : {"Docs/Sub Folder", "docs2", "ab", "AB", "cd", "EF", "notes"})
         m_folder.MakeFolder(name);
-    for (const char* name : {"Docs/Sub Folder/ReadMe.TXT", "Docs/same", "Docs/SAME", "NOTES"})
+    for (const char* name : {"Docs/Sub Folder/ReadMe.TXT", "Docs/same", "Docs/SAME", "NOTES", "long~1.txt"})
         m_folder.Write(name, "");
     fs::current_path(m_folder.Path());
-    for (const auto& [path, stored] : Cases<2>("stored folders")) {
-        const char separator = stored.starts_with("@/") ? '/' : '\\';
-        EXPECT_EQ(DirUtils::GetCaseSensitiveDirPath(InFolder(path, '/')), InFolder(stored, separator))
-            << path;
-    }
-    for (const auto& [path, stored] : Cases<2>("stored files")) {
-        const char separator = stored.starts_with("@/") ? '/' : '\\';
-        EXPECT_EQ(FileUtils::GetCaseSensitiveFilePath(InFolder(path, '/')), InFolder(stored, separator))
-            << path;
-    }
-    fs::current_path("/");
-}
-
-TEST_F(PathsOnDisk, LongAndShortNamesLeaveOtherPathsAlone)
-{
-    m_folder.Write("long~1.txt", "");
-    for (const CString& path :
-         {Path("long~1.txt"), Path("missing"), CString(), CString("C:\\none~1"), CString('x', 300)}) {
+    const auto check = [&](const char* section, CString (*ask)(const CString& path)) {
+        for (const auto& [path, stored] : Cases<2>(section))
+            EXPECT_EQ(ask(InFolder(path, '/')), InFolder(stored, stored.starts_with("@/") ? '/' : '\\'))
+                << path;
+    };
+    check("stored folders", DirUtils::GetCaseSensitiveDirPath);
+    check("stored files", FileUtils::GetCaseSensitiveFilePath);
+    check("long and short names", [](const CString& path) {
         CString converted(path);
         FileUtils::ConvertToLongFileName(converted);
         FileUtils::ConvertToShortFileName(converted);
-        EXPECT_EQ(converted, path);
-    }
+        return converted;
+    });
+    fs::current_path("/");
 }
 
 } // namespace
