@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <set>
 
@@ -189,20 +190,29 @@ CString RandomText(RandomTexts& random)
            std::string("\0x", random.OneIn(10) ? 2 : 0);
 }
 
-// What is chosen is done to the lists and to their model.
+// One operation for the lists and for their model.
+template <class Lists, class Slow>
+struct Operation {
+    template <class Change>
+    Operation(Change change) : lists(change), slow(change)
+    {
+    }
+    std::function<void(Lists&)> lists;
+    std::function<void(Slow&)> slow;
+};
+
 template <class Lists, class Slow, class Choose>
 void Follow(RandomTexts& random, Choose choose)
 {
-    Lists lists;
+    Lists lists, assigned;
     Slow slow;
     for (int step = 0; step < 6000; ++step) {
-        Lists assigned;
         assigned = lists;
         const Lists copy = assigned;
         Slow before = slow;
-        const auto change = choose(RandomText(random), RandomText(random));
-        change(lists);
-        change(slow);
+        const Operation<Lists, Slow> operation = choose(RandomText(random), RandomText(random));
+        operation.lists(lists);
+        operation.slow(slow);
         ASSERT_NO_FATAL_FAILURE(ExpectSame(lists, slow)) << "step " << step;
         ASSERT_NO_FATAL_FAILURE(ExpectSame(copy, before)) << "the copy, step " << step;
     }
@@ -211,60 +221,38 @@ void Follow(RandomTexts& random, Choose choose)
 TEST(MruArray, FollowsItsRulesThroughRandomOperations)
 {
     RandomTexts random;
+    using Step = Operation<MRUArray, SlowLists>;
     Follow<MRUArray, SlowLists>(random, [&](const CString& text, const CString& other) {
         const auto limit = [&] { return random.OneIn(8) ? random.Below(15) : 1000; }; // mostly long lists
         const uint64 recent = limit(), popular = limit();
-        const std::size_t kind = random.OneIn(500) ? 99 : random.Below(14);
-        return [=](auto& lists) {
-            switch (kind) {
-            case 0:
-                return lists.AddToRecent(text);
-            case 1:
-                return lists.AddToPopular(text);
-            case 2:
-            case 3:
-                return lists.Remove(text);
-            case 4:
-                return lists.ReplaceInAll(text, other);
-            case 5:
-                return lists.SetRestrictions(recent, popular);
-            case 6:
-                return Reload(lists);
-            case 99:
-                return lists.Clear();
-            default:
-                return lists.Add(text);
-            }
-        };
+        const Step add = [=](auto&l) { l.Add(text); }, clear = [](auto&l) { l.Clear(); };
+        const Step remove = [=](auto& l) { l.Remove(text); };
+        const Step steps[] = {[=](auto& l) { l.AddToRecent(text); },
+                              [=](auto& l) { l.AddToPopular(text); },
+                              remove,
+                              remove,
+                              [=](auto& l) { l.ReplaceInAll(text, other); },
+                              [=](auto& l) { l.SetRestrictions(recent, popular); },
+                              [=](auto& l) { Reload(l); }};
+        return random.OneIn(500) ? clear : random.OneIn(2) ? add : random.Pick(steps);
     });
 }
 
 TEST(MruArrayByTime, FollowsItsRulesThroughRandomOperations)
 {
     RandomTexts random;
+    using Step = Operation<MRUArrayByTime, SlowTimes>;
     Follow<MRUArrayByTime, SlowTimes>(random, [&](const CString& text, const CString& other) {
         const uint64 duration = random.OneIn(50) ? ~uint64{0} - random.Below(5) : random.Below(5);
         TextArray keep;
         for (std::size_t count = random.Below(30); count > 0; --count)
             keep.Add(RandomText(random));
-        const std::size_t kind = random.OneIn(200) ? 99 : random.Below(10);
-        return [=](auto& times) {
-            switch (kind) {
-            case 0: // may hold it twice from now on
-                return times.ApplyDuration(text, duration);
-            case 1:
-            case 2:
-                return times.Remove(text);
-            case 3:
-                return times.Rename(text, other);
-            case 4:
-                return Reload(times);
-            case 99:
-                return times.RemoveAllBut(keep);
-            default:
-                return times.Add(text, duration);
-            }
-        };
+        const Step add = [=](auto&t) { t.Add(text, duration); }, trim = [=](auto&t) { t.RemoveAllBut(keep); };
+        const Step remove = [=](auto& t) { t.Remove(text); };
+        const Step steps[] = {
+            [=](auto& t) { t.ApplyDuration(text, duration); }, // may hold it twice from now on
+            remove, remove, [=](auto& t) { t.Rename(text, other); }, [=](auto& t) { Reload(t); }};
+        return random.OneIn(200) ? trim : random.OneIn(2) ? add : random.Pick(steps);
     });
 }
 

@@ -102,12 +102,10 @@ TEST(TextArraySort, StaysInBoundsWhereTheOrderContradictsItself)
 
 TEST(TextArraySort, FoldersAreComparedTrimmedAndWithoutTheLastSeparator)
 {
-    EXPECT_EQ(TextArray::CompareDirs("C:\\a\\x.txt", "c:\\A\\y.txt", false), 0);
-    EXPECT_LT(TextArray::CompareDirs("C:\\a\\x.txt", "c:\\A\\y.txt", true), 0);
-    EXPECT_EQ(TextArray::CompareDirs("a/x", "  a\\y"), 0);
-    EXPECT_NE(TextArray::CompareDirs("a/x", "a\\\\y"), 0); // only one is removed
-    EXPECT_EQ(TextArray::CompareDirs("x", "\\y"), 0);
-    EXPECT_LT(TextArray::CompareDirs("x", "b\\y"), 0);
+    for (const auto& [a, b, withCase, noCase] : Cases<4>("folder order")) {
+        EXPECT_EQ(Sign(TextArray::CompareDirs(a, b)), std::stoi(withCase)) << a;
+        EXPECT_EQ(Sign(TextArray::CompareDirs(a, b, false)), std::stoi(noCase)) << a;
+    }
 }
 
 TEST(TextArraySort, PathsAreEqualByFolderAndName)
