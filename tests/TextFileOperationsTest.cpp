@@ -12,6 +12,7 @@
 #include "FileUtils.h"
 #include "files/FileHandle.h"
 #include "files/TextFile.h"
+#include "support/Cases.h"
 #include "support/MarkerLines.h"
 #include "support/RandomTexts.h"
 #include "support/TemporaryFolder.h"
@@ -116,36 +117,20 @@ TEST_F(TextFileOperations, WhatIsNoFileIsRefusedAtOnceAndSaid)
     folder.MakeFolder("folder");
     ASSERT_EQ(mkfifo(folder.Path("pipe").c_str(), 0666), 0);
     folder.Write("text", "a");
-    const CString notAFile = "{86CDA486-681F-43D5-9211-EFACE318A623}";
-    const CString notThere = "{AB91D2F6-45CF-4D68-BFFF-829E56F7D3AD}";
-    const CString notCreated = "{04921E65-2BB5-411D-8C8D-7EBA96A840DB}";
-    const CString notStreamed = "{0D586CC9-9036-401E-B183-3BE38B106F76}";
-    const CString noFolder = "{0584D9B2-55D5-458D-A837-D590C7F5F932}";
-    const CString noName = "{38BD4A9D-A6F9-4AF4-9EEB-58A8CD9F69CC}";
-    const struct {
-        CString path, read, encoded, streamed;
-    } cases[] = {
-        {Path("folder"), notAFile, notCreated, notStreamed},
-        {Path("pipe"), notAFile, notCreated, notStreamed},
-        {"/dev/full", notAFile, notCreated, notStreamed},
-        {CString(), notAFile, noName, noName},
-        {" \t", notThere, noName, noName},
-        {Path("text") + CString("\0x", 2), notThere, notCreated, notStreamed},
-        {Path("text/x"), notThere, noFolder, noFolder},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.path);
+    for (const auto& [name, read, encoded, streamed] : Cases<4>("no files")) {
+        const CString path = name.starts_with('@') ? CString(folder.Path(name.substr(1))) : CString(name);
+        SCOPED_TRACE(path);
         int encoding = 77;
         for (const bool detects : {true, false}) {
             TextArray lines = ListOf("left over");
-            FileUtils::ReadFileContent(row.path, lines, detects, &encoding);
+            FileUtils::ReadFileContent(path, lines, detects, &encoding);
             EXPECT_TRUE(encoding == 1 && lines.IsEmpty());
         }
-        EXPECT_FALSE(Write(row.path, {"x"}, true, 4) || Write(row.path, {"x"}, false));
-        EXPECT_FALSE(FileUtils::IsFileUnicode(row.path, encoding));
+        EXPECT_FALSE(Write(path, {"x"}, true, 4) || Write(path, {"x"}, false));
+        EXPECT_FALSE(FileUtils::IsFileUnicode(path, encoding));
         EXPECT_EQ(encoding, 0);
-        EXPECT_EQ(markers.TakeTags(), (Texts{row.read, row.read, row.encoded, row.streamed,
-                                             "{30AF5017-BA9E-4562-B859-800D0E8B175C}"}));
+        EXPECT_EQ(markers.TakeTags(),
+                  (Texts{read, read, encoded, streamed, "{30AF5017-BA9E-4562-B859-800D0E8B175C}"}));
     }
 }
 
