@@ -99,11 +99,17 @@ struct SlowLists {
                     text.Replace(from, to);
     }
     void Clear() { recent = popular = {}; }
+    void AfterReload()
+    {
+        recent.Reload(maxRecent);
+        popular.Reload(maxPopular);
+    }
 };
 
 struct SlowTimes : Ranked<uint64> {
     void ApplyDuration(const CString& text, uint64 total) { File(total, text); }
     void Add(const CString& text, uint64 duration) { File(Take(text) + duration, text); }
+    void AfterReload() {}
     void Remove(const CString& text) { Take(text); }
     void RemoveAllBut(const TextArray& keep)
     {
@@ -131,16 +137,11 @@ void Load(Lists& lists, const std::string& bytes)
 template <class Lists>
 void Reload(Lists& lists)
 {
-    Load(lists, StoredBytesOf(lists));
+    if constexpr (requires { lists.AfterReload(); })
+        lists.AfterReload();
+    else
+        Load(lists, StoredBytesOf(lists));
 }
-
-void Reload(SlowLists& lists)
-{
-    lists.recent.Reload(lists.maxRecent);
-    lists.popular.Reload(lists.maxPopular);
-}
-
-void Reload(SlowTimes&) {}
 
 // ---- comparing with them --------------------------------------------------------------------------------
 

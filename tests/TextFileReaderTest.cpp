@@ -130,12 +130,6 @@ protected:
         EXPECT_EQ(reader->ReadLine(line, CP_ACP, nullptr, nullptr), TextFileReader::EndOfFile);
         return lines;
     }
-    Texts ReadContent(const std::string& bytes, bool detects, int* encoding = nullptr) const
-    {
-        TextArray content;
-        FileUtils::ReadFileContent(folder.Write("file", bytes), content, detects, encoding);
-        return TextsOf(content);
-    }
 
     TemporaryFolder folder;
 };
@@ -170,44 +164,17 @@ TEST_F(TextFileReaders, AgreeWithTheRulesOnAnyBytes)
             }
 }
 
-// The second line's feed begins a fill, so that its return stays; the stream knows no fills.
-TEST_F(TextFileReaders, KeepTheReturnWhoseLineFeedBeginsAFill)
-{
-    for (const int encoding : Encodings) {
-        const std::string rest(IsWide(encoding) ? 2044 : 4092, 'x');
-        const std::string bytes = Marks[encoding] + Encoded("x\r\n" + rest + "\r\nx\r\n", encoding);
-        int found = 0;
-        EXPECT_EQ(ReadContent(bytes, true, &found), (Texts{"x", rest + '\r', "x"})) << encoding;
-        EXPECT_EQ(found, encoding);
-        if (encoding == 1) {
-            EXPECT_EQ(ReadContent(bytes, false), (Texts{"x", rest, "x"}));
-        }
-    }
-}
-
 TEST_F(TextFileReaders, EndLinesAndDecodeAsTheyAlwaysDid)
 {
     for (const auto& [bytes, encoding, lines] : Cases<3>("text files")) {
         int found = 77;
+        TextArray content;
+        FileUtils::ReadFileContent(folder.Write("file", bytes), content, true, &found);
         std::string read;
-        for (const CString& line : ReadContent(bytes, true, &found))
+        for (const CString& line : content)
             read.append(line.View()) += ';';
         EXPECT_EQ(read, lines) << testing::PrintToString(bytes);
         EXPECT_EQ(found, std::stoi(encoding)) << testing::PrintToString(bytes);
-    }
-}
-
-TEST_F(TextFileReaders, ConvertToTheCodePageThatIsAskedFor)
-{
-    for (const auto& [bytes, codePage, expected, byDefault] : Cases<4>("lines in code pages")) {
-        const FileHandle file = Open(bytes);
-        UTF8_TextFileReader reader("", file.Get());
-        CString line("before");
-        int usedDefault = FALSE;
-        EXPECT_EQ(reader.ReadLine(line, static_cast<unsigned>(std::stoi(codePage)), "_", &usedDefault),
-                  expected == "before" ? TextFileReader::ReadError : TextFileReader::LineDelivered);
-        EXPECT_EQ(line, expected);
-        EXPECT_EQ(usedDefault, std::stoi(byDefault)) << line;
     }
 }
 
@@ -227,16 +194,12 @@ TEST_F(TextFileReaders, OpenWhatWasAskedFor)
 
 TEST_F(TextFileReaders, EndWhereNothingCanBeRead)
 {
-    CString line("kept");
-    FileHandle file = Open(std::string(500'000, '\n'));
+    CString line;
+    const FileHandle file = Open(std::string(500'000, '\n'));
     const auto read = [&](TextFileReader& reader) { return reader.ReadLine(line, CP_ACP, nullptr, nullptr); };
-    TextFileReader empty("", file.Get());
     ANSI_TextFileReader unbuffered("", file.Get(), -1), closed("", INVALID_HANDLE_VALUE);
-    EXPECT_EQ(read(empty), TextFileReader::EndOfFile);
     EXPECT_EQ(read(unbuffered), TextFileReader::EndOfFile);
     EXPECT_EQ(read(closed), TextFileReader::ReadError);
-    EXPECT_EQ(line, "kept");
-
     ANSI_TextFileReader shrunk("", file.Get());
     EXPECT_EQ(read(shrunk), TextFileReader::LineDelivered);
     std::filesystem::resize_file(folder.Path("file"), 10);
@@ -244,15 +207,6 @@ TEST_F(TextFileReaders, EndWhereNothingCanBeRead)
     while (read(shrunk) == TextFileReader::LineDelivered)
         ++count;
     EXPECT_LT(count, 500'000);
-    file.Close();
-    EXPECT_EQ(read(shrunk), TextFileReader::EndOfFile);
-}
-
-TEST_F(TextFileReaders, TakeLongLines)
-{
-    const std::string text(2'000'000, '\xE4');
-    for (const int encoding : Encodings)
-        EXPECT_TRUE(Read(Encoded(text, encoding), encoding, encoding == 4) == Texts{text});
 }
 
 } // namespace
