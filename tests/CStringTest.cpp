@@ -135,8 +135,7 @@ TEST(CString, TakesPositionsOutsideTheTextAsTheNearestInside)
             changed.Insert(first, "x");
             ExpectSame(changed, rest.insert(std::min(from, rest.size()), "x"));
         }
-    for (const std::size_t outside : {std::size_t{5}, std::size_t{1} << 40, static_cast<std::size_t>(-1)})
-        EXPECT_EQ(text[outside], '\0');
+    EXPECT_EQ(text[static_cast<std::size_t>(-1)], '\0');
     for (const CString& empty : {CString('a', INT_MIN), CString("a", -3), CString(nullptr, 9), CString("\0")})
         ExpectSame(empty, "");
     EXPECT_THROW(CString("abc").Append(text, CString::MaxLength), std::length_error);

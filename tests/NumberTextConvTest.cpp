@@ -169,21 +169,14 @@ TEST_F(NumberText, HasAsManyDigitsAsItIsWrittenWith)
     EXPECT_TRUE(NumberTextConv::HasDigit("x9") && !NumberTextConv::HasDigit("abc\xB2\xFF"));
 }
 
-TEST_F(NumberText, OfBytesIsReversible)
+TEST_F(NumberText, OfBytesIsReadAndWritten)
 {
-    CByteArray bytes, read;
-    CString text = "before";
-    for (int count = 0; count < 600; ++count) {
-        NumberTextConv::ConvertByteArrayToString(bytes, text);
-        NumberTextConv::ConvertStringToByteArray(text, read);
-        ASSERT_EQ(bytes, read);
-        bytes.Add(static_cast<BYTE>(count * 255 + 12));
-    }
-    EXPECT_EQ(text.Left(9), "12, 11, 1");
-    for (const auto& [wrongText, expected] : Cases<2>("byte arrays")) {
-        NumberTextConv::ConvertStringToByteArray(wrongText, read);
+    CByteArray read;
+    CString text;
+    for (const auto& [before, expected] : Cases<2>("byte arrays")) {
+        NumberTextConv::ConvertStringToByteArray(before, read);
         NumberTextConv::ConvertByteArrayToString(read, text);
-        EXPECT_EQ(text, expected) << wrongText;
+        EXPECT_EQ(text, expected) << before;
     }
 }
 

@@ -5,8 +5,6 @@
 #include <climits>
 #include <functional>
 
-#include "CStringArray.h"
-#include "CStringList.h"
 #include "NumberTextConv.h"
 #include "StringUtils.h"
 #include "support/Cases.h"
@@ -158,26 +156,12 @@ TEST(TextArrayLists, FindAndMove)
     EXPECT_TRUE(moved.MoveToLast("b") && moved.MoveToLast("b")); // the first equal one is not the last
     EXPECT_FALSE(moved.MoveToLast("x") || ListOf("a;b").MoveToLast("b"));
     EXPECT_EQ(LineOf(moved), "a;c;b;b");
+    Texts copied = {"replaced"};
+    moved.CopyToVector(copied);
+    moved.CopyFromVector(copied);
+    EXPECT_EQ(LineOf(moved), "a;c;b;b;a;c;b;b");
     EXPECT_EQ(array.GetCopyAt(5) + array[7] + TextArray().GetFirst() + TextArray().GetLast(), "");
     EXPECT_TRUE(array.IsEmptyAt(9) && !array.GetLengthAt(9) && !array.GetCharAt(9, 0));
-}
-
-TEST(TextArrayLists, CopiesToReplaceAndCopiesFromAppend)
-{
-    TextArray array = ListOf("a;b");
-    CStringArray strings;
-    CStringList list;
-    Texts vector;
-    for (int turn = 0; turn < 2; ++turn) {
-        array.CopyToStringArray(strings);
-        array.CopyToList(list);
-        array.CopyToVector(vector);
-        array.RemoveAll();
-        array.CopyFromStringArray(strings);
-        array.CopyFromList(list);
-        array.CopyFromVector(vector);
-    }
-    EXPECT_EQ(LineOf(array), "a;b;a;b;a;b;a;b;a;b;a;b;a;b;a;b;a;b");
 }
 
 } // namespace
