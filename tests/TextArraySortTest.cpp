@@ -3,13 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <numeric>
 #include <set>
 
 #include "support/Cases.h"
 #include "support/RandomTexts.h"
 #include "support/TextModels.h"
-#include "text/BoundedSort.h"
 
 namespace {
 
@@ -91,13 +89,6 @@ TEST(TextArraySort, StaysInBoundsWhereTheOrderContradictsItself)
                         (random.OneIn(3) ? "x.t" : "5x.t"));
     for (const bool ascending : {true, false})
         CheckSort(chain, {ascending, false, TextArray::ContentFiles}, false);
-
-    std::vector<int> numbers(100000);
-    std::iota(numbers.begin(), numbers.end(), 0);
-    for (const std::size_t answer : {0u, 1u, 2u}) { // never, always, at random
-        BoundedSort::Sort(numbers, [&](int, int) { return random.Below(2) + answer > 1 + answer % 2; });
-        EXPECT_EQ(std::set<int>(numbers.begin(), numbers.end()).size(), numbers.size());
-    }
 }
 
 TEST(TextArraySort, FoldersAreComparedTrimmedAndWithoutTheLastSeparator)

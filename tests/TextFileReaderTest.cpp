@@ -137,7 +137,7 @@ protected:
 // Many line ends, leads and NULs among letters, and long runs that reach over the ends of fills and reads.
 std::string RandomBytes(RandomTexts& random, std::size_t length)
 {
-    const std::string bytes("\r\n\r\n\0ab\x7F\x80\x9F\xBF\xC3\xDF\xE2\xEF\xF0\xF4\xF7\xF8\xFF", 20);
+    const std::string bytes("\r\n\r\n\0ab\x7F\x80\x9F\xBF\xC3\xDF\xE0\xE2\xEF\xF0\xF4\xF7\xF8\xFF", 21);
     std::string text;
     while (text.size() < length) {
         const std::size_t run = random.OneIn(40) ? random.Below(9000) : 1 + random.Below(2);
@@ -175,6 +175,21 @@ TEST_F(TextFileReaders, EndLinesAndDecodeAsTheyAlwaysDid)
             read.append(line.View()) += ';';
         EXPECT_EQ(read, lines) << testing::PrintToString(bytes);
         EXPECT_EQ(found, std::stoi(encoding)) << testing::PrintToString(bytes);
+    }
+}
+
+TEST_F(TextFileReaders, ConvertToTheCodePageThatIsAskedFor)
+{
+    for (const auto& [bytes, codePage, expected, byDefault] : Cases<4>("lines in code pages")) {
+        const FileHandle file = Open(bytes);
+        UTF8_TextFileReader reader("", file.Get());
+        CString line("before");
+        int usedDefault = FALSE;
+        const int result =
+            reader.ReadLine(line, static_cast<unsigned>(std::stoi(codePage)), "_", &usedDefault);
+        EXPECT_EQ(result, expected == "before" ? TextFileReader::ReadError : TextFileReader::LineDelivered);
+        EXPECT_EQ(line, expected);
+        EXPECT_EQ(usedDefault, std::stoi(byDefault)) << line;
     }
 }
 
