@@ -161,7 +161,8 @@ TEST_F(CryptoTest, DoesWhatTheSlowModelDoes)
         texts.emplace_back(length, 'n');
         for (const unsigned rare : {3u, 100u}) // one in so many is a byte that ends texts
             for (char& c : texts.emplace_back(length, '\0'))
-                c = random.OneIn(rare) ? random.Pick("\xA4") : static_cast<char>(random.Below(256));
+                c = random.OneIn(rare) ? random.Pick("\xA4" /* or its NUL */)
+                                       : static_cast<char>(random.Below(256));
     }
     for (const char* key : {"sixteen-letters!", "twenty-four-letters-here",
                             "thirty-two-letters-in-this-phras", "seventeen-letters"}) {
@@ -201,7 +202,7 @@ TEST_F(CryptoTest, TheObjectIsMadeWhenNeeded)
         EXPECT_TRUE(length < 0 || own.DeriveKey(CString('k', length)));
         EXPECT_EQ(own.DecryptText(bytes, text), length == 16 || length == 24 || length == 32) << length;
     }
-    for (const uint64 size : {0, 1, 15, 16})
+    for (const uint64 size : {0u, 1u, 15u, 16u})
         EXPECT_EQ(own.GetNextEvenBlockSize(~31ull + size), ~31ull + (size == 0 ? 0 : 16));
 }
 

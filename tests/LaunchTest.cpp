@@ -43,7 +43,7 @@ protected:
         chmod(path.c_str(), 0700);
         return CString(path);
     }
-    // The file when it is so.
+    // What is in the file as soon as it is complete.
     template <class IsComplete>
     std::string Await(const char* name, IsComplete isComplete)
     {
