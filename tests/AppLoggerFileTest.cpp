@@ -234,6 +234,7 @@ TEST_F(AppLoggerFileTest, DamagedFilesAreKeptAsideAndReadAsFarAsTheyGo)
     check(whole + "more", 3, false);
     check(HeaderBytes(3, 6) + entries, 3, false);
     check("", 0, false);
+    check(HeaderBytes(3, 5) + entries, 0, true);
     check(HeaderBytes(3, 8) + entries, 0, true);
     check(HeaderBytes(3, 7, "Corvane Software Log") + entries, 0, true);
     check(HeaderBytes(~0ULL) + entries, 3, true);

@@ -118,8 +118,10 @@ TEST_F(AppLoggerTest, SerializingReplacesTheListOrLeavesIt)
         EXPECT_EQ(LogHome::Stored(), HeaderBytes(2) + entries);
     }
     for (const std::string& header :
-         {HeaderBytes(1, 5), HeaderBytes(1, 8), HeaderBytes(1, 7, "Corvane Software Log file")})
+         {HeaderBytes(1, 5), HeaderBytes(1, 8), HeaderBytes(1, 7, "Corvane Software Log file")}) {
         LogHome::Load(header + EntryBytes("", "other"));
+        EXPECT_EQ(LogHome::Stored(), HeaderBytes(2) + entries);
+    }
     EXPECT_THROW(LogHome::Load(HeaderBytes(1).substr(0, 20)), CArchiveException);
     EXPECT_THROW(LogHome::Load(HeaderBytes(2) + entries.substr(0, entries.size() - 1)), CArchiveException);
     EXPECT_EQ(HexOf(LogHome::Stored()), "19436F7276616E6520536F667477617265204C6F672046696C65" // the title

@@ -118,6 +118,7 @@ TEST(TextArrayLists, ChangeAsTold)
         {"a;b;c", [](auto& a) { a.Reverse(); }, "c;b;a"},
         {"a;b;c", [](auto& a) { a.Swap(0, 3); }, "a;b;c"},
         {"a;b", [](auto& a) { a.Insert(1, "x"); }, "a;x;b"},
+        {"a;b", [](auto& a) { a.Replace(2, "x"); }, "a;b"},
         {"a;b", [](auto& a) { a.AddNoDuplicates("B", false); }, "a;b"},
         {"aB;C\xC9", [](auto& a) { a.MakeLower(); }, "ab;c\xC9"},
         {"abcdef;", [](auto& a) { a.RemoveCharsFromIndex(0, 4, INT_MAX); }, "abcd;"},
