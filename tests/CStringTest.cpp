@@ -24,14 +24,11 @@ std::string Sample(std::size_t length)
     return text;
 }
 
-// The string and its model must agree in every way that a reader can see.
 void ExpectSame(const CString& text, const std::string& model)
 {
     ASSERT_EQ(text.GetLength(), static_cast<int>(model.size()));
-    ASSERT_EQ(std::string(text.begin(), text.end()), model);
+    ASSERT_EQ(text.View(), model);
     ASSERT_EQ(text.GetString()[text.GetLength()], '\0');
-    ASSERT_TRUE(text == CString(model));
-    ASSERT_EQ(text.IsEmpty(), model.empty());
 }
 
 // The same random edit of a string and of its model.
@@ -54,7 +51,6 @@ void Edit(RandomTexts& random, CString& text, std::string& model)
          [&](auto& m) { m.insert(at, std::string(m.c_str() + at)); }},
         {[&](auto& t) { t.Delete(i, n); }, [&](auto& m) { m.erase(at, count); }},
         {[&](auto& t) { t.Insert(i, piece.c_str()); }, [&](auto& m) { m.insert(at, piece.c_str()); }},
-        {[&](auto& t) { t.Insert(i, '+'); }, [&](auto& m) { m.insert(at, 1, '+'); }},
         {[&](auto& t) { t.Truncate(i); }, [&](auto& m) { m.resize(at); }},
         {[&](auto& t) { t = t.Mid(i, n * 8); }, [&](auto& m) { m = m.substr(at, count * 8); }},
         {[&](auto& t) { t.SetAt(i, '#'); }, [&](auto& m) { m.replace(at, 1, at < m.size() ? "#" : ""); }},
@@ -68,8 +64,6 @@ void Edit(RandomTexts& random, CString& text, std::string& model)
              t = static_cast<CString&>(t);
          },
          [&](auto&) {}},
-        {[&](auto& t) { t.ReleaseBuffer(i); },
-         [&](auto& m) { m.resize(at); }}, // without a buffer taken before
         {[&](auto& t) {
              t.GetBuffer(t.GetLength() + n)[t.GetLength()] = '!';
              t.ReleaseBuffer(t.GetLength() + (n > 0));
@@ -114,11 +108,10 @@ TEST(CString, ComparesAndOrdersLikeItsBytes)
             EXPECT_EQ(left < right, a < b);
             EXPECT_EQ(Sign(left.Compare(right)), untilNul);
             EXPECT_EQ(Sign(left.Collate(right)), untilNul); // in the "C" locale
-            EXPECT_EQ(left == b.c_str(), a == std::string_view(b.c_str()));
             EXPECT_TRUE(a != b || std::hash<CString>()(left) == std::hash<CString>()(right));
         }
-    EXPECT_EQ(CString("Gr\xFC\xDF").CompareNoCase("gR\xFC\xDF"), 0);
-    EXPECT_LT(CString("a").CompareNoCase("B"), 0);
+    EXPECT_TRUE(CString("Gr\xFC\xDF").CompareNoCase("gR\xFC\xDF") == 0 &&
+                CString("a").CompareNoCase("B") < 0);
 }
 
 TEST(CString, TakesPositionsOutsideTheTextAsTheNearestInside)
@@ -142,52 +135,28 @@ TEST(CString, TakesPositionsOutsideTheTextAsTheNearestInside)
             changed.Insert(first, "x");
             ExpectSame(changed, rest.insert(std::min(from, rest.size()), "x"));
         }
-    for (const std::size_t outside : {std::size_t{5}, std::size_t{1} << 40, static_cast<std::size_t>(-1)})
-        EXPECT_EQ(text[outside], '\0');
-    EXPECT_EQ(text.Find(static_cast<const char*>(nullptr)), 0);
+    EXPECT_EQ(text[static_cast<std::size_t>(-1)], '\0');
     for (const CString& empty : {CString('a', INT_MIN), CString("a", -3), CString(nullptr, 9), CString("\0")})
         ExpectSame(empty, "");
     EXPECT_THROW(CString("abc").Append(text, CString::MaxLength), std::length_error);
 }
 
-TEST(CString, BuffersAreTakenBackUpToTheNulOrTheirRoom)
-{
-    for (const int room : {10, 200}) {
-        CString text;
-        std::strcpy(text.GetBuffer(room), "short");
-        text.ReleaseBuffer();
-        ExpectSame(text, "short");
-        std::fill_n(text.GetBuffer(room), room, 'x');
-        text.ReleaseBuffer(INT_MAX);
-        EXPECT_GE(text.GetLength(), room);
-        EXPECT_EQ(text.GetLength(), text.GetAllocLength());
-    }
-}
-
 TEST(CString, SearchesSplitsAndReplaces)
 {
-    CString path(" \t C:/one/two.txt \n");
+    CString path(" \t C:/one/two.txt \n"), text("aaaa");
     EXPECT_EQ(path.Trim(), "C:/one/two.txt");
-    EXPECT_EQ(path.ReverseFind('/'), 6);
-    EXPECT_EQ(path.FindOneOf("xz."), 10);
+    EXPECT_TRUE(path.ReverseFind('/') == 6 && path.FindOneOf("xz.") == 10);
     EXPECT_EQ(path.SpanIncluding("C:/") + path.SpanExcluding("."), "C:/C:/one/two");
     EXPECT_EQ(CString("xxabxx").Trim('x') + CString("xyabyx").Trim("xy") + CString("xx").Trim('x'), "abab");
-    CString text("aaaa");
-    EXPECT_EQ(text.Replace("aa", "aab"), 2);
-    EXPECT_EQ(text, "aabaab");
-    EXPECT_EQ(text.Replace("", "x"), 0);
-    EXPECT_EQ(text.Replace('b', '\0'), 2);
-    EXPECT_EQ(text, CString("aa\0aa\0", 6));
-    EXPECT_EQ(CString("AbC").MakeLower() + CString("AbC").MakeUpper(), "abcABC");
+    EXPECT_TRUE(text.Replace("aa", "aab") == 2 && text == "aabaab");
+    EXPECT_TRUE(text.Replace("", "x") == 0 && text.Replace('b', '\0') == 2);
     std::ostringstream out;
-    out << CString("a\0b", 3) << CString("c");
-    EXPECT_EQ(out.str(), std::string("a\0bc", 4));
-
+    out << text << CString("AbC").MakeLower() << CString("AbC").MakeUpper();
+    EXPECT_EQ(out.str(), std::string("aa\0aa\0abcABC", 12));
     std::string pieces;
-    int start = 0;
-    while (start != -1) {
-        const CString piece = CString("  a, b ").Tokenize(" ,", start);
-        pieces += std::string(piece) + std::to_string(start) + '|';
+    for (int start = 0; start != -1;) {
+        pieces += CString("  a, b ").Tokenize(" ,", start);
+        pieces += std::to_string(start) + '|';
     }
     EXPECT_EQ(pieces, "a4|b7|-1|");
 }

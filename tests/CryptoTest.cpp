@@ -1,15 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "Crypto.h"
-#include "framework/FailureMarkers.h"
 #include "persist/Aes.h"
 #include "support/ArchiveBytes.h"
+#include "support/Cases.h"
+#include "support/MarkerLines.h"
+#include "support/RandomTexts.h"
 
 namespace {
 
@@ -18,8 +16,6 @@ using std::string;
 struct Reach : Crypto {
     using Crypto::DecryptText;
     using Crypto::DeriveKey;
-    using Crypto::DoVerifiedDecryption;
-    using Crypto::DoVerifiedEncryption;
     using Crypto::GetInstance;
     using Crypto::GetNextEvenBlockSize;
 };
@@ -36,7 +32,7 @@ CByteArray ArrayOf(const string& bytes)
 struct Model {
     bool hasKey = false;
     Aes::KeySchedule keys{};
-    std::vector<string> lines{};
+    std::vector<CString> lines{};
 
     explicit Model(const string& key)
         : hasKey(key.size() == 16 || key.size() == 24 || key.size() == 32),
@@ -104,21 +100,23 @@ struct Model {
     }
 };
 
+string RecordOf(CString text)
+{
+    return StoredBy([&](CArchive& archive) { Crypto::Serialize(archive, text); });
+}
+
+CString TextOf(const string& record)
+{
+    CString text = "before";
+    LoadFrom(record, [&](CArchive& archive) { Crypto::Serialize(archive, text); });
+    return text;
+}
+
 // Each test begins and ends without the object, and sees the marker lines.
 class CryptoTest : public testing::Test {
 protected:
-    CryptoTest()
-    {
-        Crypto::DeleteInstance();
-        s_lines.clear();
-    }
-    ~CryptoTest() override
-    {
-        FailureMarkers::SetSink(m_before);
-        Crypto::DeleteInstance();
-    }
-
-    static std::vector<string> TakeLines() { return std::exchange(s_lines, {}); }
+    CryptoTest() { Crypto::DeleteInstance(); }
+    ~CryptoTest() override { Crypto::DeleteInstance(); }
 
     void SetKey(const string& key)
     {
@@ -128,81 +126,49 @@ protected:
 
     void CheckEncryption(const string& text)
     {
-        SCOPED_TRACE("text " + HexOf(text));
-        CByteArray raw = ArrayOf("before"), checked = raw;
+        CByteArray raw = ArrayOf("before");
         string expected = "before";
         Crypto::Encrypt(text, raw);
         EXPECT_EQ(raw, ArrayOf(m_model.Encrypt(text)));
-        Reach::DoVerifiedEncryption(text, checked);
-        m_model.DoVerifiedEncryption(text, expected);
-        EXPECT_EQ(checked, ArrayOf(expected));
         m_model.lines.push_back("{42911D20-38E8-4BC4-B068-BF803FD3DEA7}" + text);
         m_model.DoVerifiedEncryption(text, expected);
-        CString stored(text), loaded = "before";
-        const string record = StoredBy([&](CArchive& archive) { Crypto::Serialize(archive, stored); });
+        const string record = RecordOf(text);
         EXPECT_EQ(record.substr(0, 2), text.empty() || expected.empty() ? BytesOf("0000") : BytesOf("0100"));
         EXPECT_TRUE(text.empty() || record.ends_with(expected.empty() ? text : expected));
-        LoadFrom(record, [&](CArchive& archive) { Crypto::Serialize(archive, loaded); });
-        EXPECT_EQ(loaded, text);
-        EXPECT_EQ(TakeLines(), std::exchange(m_model.lines, {}));
+        EXPECT_EQ(TextOf(record), text);
+        EXPECT_EQ(MarkerLines::Take(), std::exchange(m_model.lines, {}));
     }
 
     void CheckDecryption(const string& in)
     {
-        SCOPED_TRACE("bytes " + HexOf(in));
-        CString raw = "before", checked = "before";
         string expected;
-        EXPECT_EQ((Reach::GetInstance()->*&Reach::DecryptText)(ArrayOf(in), raw),
-                  m_model.DecryptText(in, expected));
-        EXPECT_EQ(raw, expected);
-        Reach::DoVerifiedDecryption(ArrayOf(in), checked);
         m_model.DoVerifiedDecryption(in, expected);
-        EXPECT_EQ(checked, expected);
-        EXPECT_EQ(TakeLines(), std::exchange(m_model.lines, {}));
+        EXPECT_EQ(Crypto::Decrypt(ArrayOf(in)), expected);
+        EXPECT_EQ(MarkerLines::Take(), std::exchange(m_model.lines, {}));
     }
 
+    MarkerLines m_markers;
     Model m_model{""};
-
-private:
-    static inline std::vector<string> s_lines;
-    FailureMarkers::Sink m_before =
-        FailureMarkers::SetSink([](const CString& line) { s_lines.emplace_back(line.View()); });
 };
-
-// Where a text ends, and whether what follows it is what encryption adds: 0 and P stand for the bytes that
-// end texts.
-constexpr const char* Patterns =
-    "abcdefghijklmnop abcdefghijklmnoP abcdefghijklmno0 abcdefghijklmnP0 abcdefghijklmn0P abcdefghijklmnPx "
-    "PPPPPPPPPPPPPPPP 0000000000000000 aPPPPPPPPPPPPPPP Pbcdefghijklmnop 0bcdefghijklmnop a0PPPPPPPPPPPPPP "
-    "abcdefghijklmnopPPPPPPPPPPPPPPPP abcdefghijklmnop0000000000000000 abcdefghijklmnopqPPPPPPPPPPPPPPP "
-    "abPPPPPPPPPPPPPPabcdefghijklmnop abcdefghijklmnopqPPPPPPPPPPPPPP0 abcdefghijklmnopq00000000000000P";
-
-std::vector<string> PlainTexts(std::mt19937& random)
-{
-    std::vector<string> texts;
-    std::istringstream patterns(Patterns);
-    for (string text; patterns >> text; texts.push_back(text)) {
-        std::replace(text.begin(), text.end(), '0', '\0');
-        std::replace(text.begin(), text.end(), 'P', '\xA4');
-    }
-    for (std::size_t length = 0; length < 600; length += length < 50 ? 1 : random() % 200) {
-        texts.emplace_back(length, 'n');
-        for (const unsigned rare : {3u, 100u}) // one in so many is a byte that ends texts
-            for (char& c : texts.emplace_back(length, '\0'))
-                c = random() % rare != 0 ? static_cast<char>(random()) : random() % 2 == 0 ? '\0' : '\xA4';
-    }
-    return texts;
-}
 
 TEST_F(CryptoTest, DoesWhatTheSlowModelDoes)
 {
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    RandomTexts random;
+    std::vector<string> texts;
+    for (const auto& [text] : Cases<1>("plain texts"))
+        texts.push_back(text);
+    for (std::size_t length = 0; length < 600; length += length < 50 ? 1 : random.Below(200)) {
+        texts.emplace_back(length, 'n');
+        for (const unsigned rare : {3u, 100u}) // one in so many is a byte that ends texts
+            for (char& c : texts.emplace_back(length, '\0'))
+                c = random.OneIn(rare) ? random.Pick("\xA4" /* or its NUL */)
+                                       : static_cast<char>(random.Below(256));
+    }
     for (const char* key : {"sixteen-letters!", "twenty-four-letters-here",
                             "thirty-two-letters-in-this-phras", "seventeen-letters"}) {
         SetKey(key);
-        for (string plain : PlainTexts(random)) {
+        for (string plain : texts) {
+            SCOPED_TRACE(HexOf(plain));
             CheckEncryption(plain);
             CheckDecryption(plain);
             plain.resize((plain.size() + 15) / 16 * 16, '\xA4');
@@ -211,64 +177,32 @@ TEST_F(CryptoTest, DoesWhatTheSlowModelDoes)
     }
 }
 
-// Made from the pass phrase by another program: while these hold, older data can be read.
-TEST_F(CryptoTest, RecordsOfTheBuiltInPhraseNeverChange)
+// Which come in steps, and whose count is of the longest form.
+TEST_F(CryptoTest, ManyBytesAreRead)
 {
-    const std::pair<CString, string> rows[] = {
-        {"Hello", "0100 1000 7db79f3387dd5daecee36d71a85c4035"},
-        {"0123456789abcdef", "0100 1000 07c669f27aea26bcbf3f1b7aff9dd5cd"},
-        {"0123456789abcdefg", "0100 2000 07c669f27aea26bcbf3f1b7aff9dd5cd868b84d20bce8ca1e12b50a611d5f8ee"},
-        {"", "0000 00"},
-        {"a\xA4z", "0000 03 61a47a"}};
-    for (const auto& row : rows)
-        for (int object = 0; object < 2; ++object, Crypto::DeleteInstance()) {
-            CString text = row.first, loaded = "before";
-            EXPECT_EQ(HexOf(StoredBy([&](CArchive& archive) { Crypto::Serialize(archive, text); })),
-                      HexOf(BytesOf(row.second)));
-            LoadFrom(BytesOf(row.second), [&](CArchive& archive) { Crypto::Serialize(archive, loaded); });
-            EXPECT_EQ(loaded, text);
-        }
-}
-
-// A claimed count costs no more memory than the bytes that are there; many bytes come in steps.
-TEST_F(CryptoTest, CountsInRecordsAreClaims)
-{
-    CString text = "before";
-    for (const char* hex : {"0100", "0100 10", "0100 1000 00", "0100 FFFF FEFFFFFF 00",
-                            "0100 FFFF FFFFFFFF FFFFFFFFFFFFFF7F 00", "0200 05 61"})
-        LoadFrom(BytesOf(hex), [&](CArchive& archive) {
-            EXPECT_THROW(Crypto::Serialize(archive, text), CArchiveException) << hex;
-            EXPECT_EQ(text, "before");
-        });
-    LoadFrom(BytesOf("0100 0000"), [&](CArchive& archive) { Crypto::Serialize(archive, text); });
-    EXPECT_EQ(text, "");
-    EXPECT_EQ(TakeLines(), std::vector<string>{"{0B794AD1-CDD7-4E4A-9AC5-E813B180CA79}"});
-    CString large('m', 1'000'001);
-    LoadFrom(StoredBy([&](CArchive& archive) { Crypto::Serialize(archive, large); }),
-             [&](CArchive& archive) { Crypto::Serialize(archive, text); });
-    EXPECT_EQ(text, large);
+    EXPECT_EQ(TextOf(BytesOf("0100 0000")), "");
+    EXPECT_EQ(MarkerLines::Take(), std::vector<CString>{"{0B794AD1-CDD7-4E4A-9AC5-E813B180CA79}"});
+    const CString large('m', 1'000'001);
+    EXPECT_EQ(TextOf(RecordOf(large)), large);
 }
 
 TEST_F(CryptoTest, TheObjectIsMadeWhenNeeded)
 {
     CByteArray bytes;
     CString text;
-    EXPECT_EQ(Crypto::m_pInstance, nullptr);
     Crypto::Encrypt("x", bytes);
     EXPECT_NE(Crypto::m_pInstance, nullptr);
     Crypto::DeleteInstance();
     EXPECT_EQ(Crypto::m_pInstance, nullptr);
     EXPECT_EQ(Crypto::Decrypt(bytes.GetData(), 16), "x");
-    for (const int count : {0, -16})
-        EXPECT_EQ(Crypto::Decrypt(bytes.GetData(), count), "");
-    EXPECT_EQ(Crypto::Decrypt(nullptr, 16), "");
-    EXPECT_EQ(TakeLines(), std::vector<string>{});
+    EXPECT_EQ(Crypto::Decrypt(bytes.GetData(), -16) + Crypto::Decrypt(nullptr, 16), "");
+    EXPECT_EQ(MarkerLines::Take(), std::vector<CString>{});
     Reach own; // has no key yet, and none after a phrase of a wrong length
     for (int length = -1; length <= 40; ++length) {
         EXPECT_TRUE(length < 0 || own.DeriveKey(CString('k', length)));
         EXPECT_EQ(own.DecryptText(bytes, text), length == 16 || length == 24 || length == 32) << length;
     }
-    for (const uint64 size : {0ull, 1ull, 15ull, 16ull})
+    for (const uint64 size : {0u, 1u, 15u, 16u})
         EXPECT_EQ(own.GetNextEvenBlockSize(~31ull + size), ~31ull + (size == 0 ? 0 : 16));
 }
 

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -17,26 +16,14 @@
 #include "ExeUtils.h"
 #include "ExternalAppRun.h"
 #include "platform/posix/CommandLine.h"
+#include "support/Cases.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
 
 TEST(CommandLine, IsCutAsThePlatformsRuntimeCutsIt)
 {
-    // clang-format off
-    const struct {
-        const char *line, *words; // the words with a | behind each
-    } cases[] = {
-        {"", "|"}, {"p", "p|"}, {"p a \t b  ", "p|a|b|"}, {R"("p q" a)", "p q|a|"}, {R"(p" q"r a)", "p qr|a|"},
-        {R"("c:\p\" "a b" c)", R"(c:\p\|a b|c|)"}, {R"(p "abc" d e)", "p|abc|d|e|"},
-        {R"(p a\\b d"e f"g h)", R"(p|a\\b|de fg|h|)"}, {R"(p a\\\"b c d)", R"(p|a\"b|c|d|)"},
-        {R"(p a\\\\"b c" d e)", R"(p|a\\b c|d|e|)"}, {R"(p a"b"" c d)", R"(p|ab" c d|)"},
-        {R"(p "a ""b"" c" d)", R"(p|a "b" c|d|)"}, {R"(p "" "" """" x)", R"(p|||"|x|)"},
-        {R"(p "open end )", "p|open end |"}, {R"(p \ \\ "\\" \")", R"(p|\|\\|\|"|)"},
-        {"p a\nb $HOME;`x` '*'", "p|a\nb|$HOME;`x`|'*'|"},
-    };
-    // clang-format on
-    for (const auto& [line, words] : cases) {
+    for (const auto& [line, words] : Cases<2>("command lines")) {
         std::string joined;
         for (const std::string& word : CommandLine::Split(line))
             joined += word + '|';
@@ -56,11 +43,17 @@ protected:
         chmod(path.c_str(), 0700);
         return CString(path);
     }
+    // What is in the file as soon as it is complete.
+    template <class IsComplete>
+    std::string Await(const char* name, IsComplete isComplete)
+    {
+        for (int tries = 0; tries < 6000 && !isComplete(m_folder.Read(name)); ++tries)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return m_folder.Read(name);
+    }
     std::string AwaitSaid()
     {
-        for (int tries = 0; tries < 6000 && !m_folder.Has("said"); ++tries)
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        const std::string said = m_folder.Read("said");
+        const std::string said = Await("said", [&](const std::string&) { return m_folder.Has("said"); });
         std::filesystem::remove(m_folder.Path("said"));
         return said;
     }
@@ -72,16 +65,14 @@ TEST_F(Launch, StartsTheProgramInItsFolderWithItsArguments)
 {
     const CString script = Script("show \"it", "pwd -P; for word; do echo \"<$word>\"; done; cat");
     const std::string folder = std::filesystem::canonical(m_folder.MakeFolder("in here")).string();
-    std::string backslashes = folder;
-    std::replace(backslashes.begin(), backslashes.end(), '/', '\\');
-    for (const std::string& name : {folder, backslashes}) {
-        ASSERT_TRUE(ExeUtils::LaunchApp(script, "a \"b c\" \"\" $HOME ; \xE9", CString(name), "title", true));
-        EXPECT_EQ(AwaitSaid(), folder + "\n<a>\n<b c>\n<>\n<$HOME>\n<;>\n<\xE9>\n"); // and no input
-    }
+    ASSERT_TRUE(ExeUtils::LaunchApp(script, "a \"b c\" \"\" $HOME ; \xE9", CString(folder), "title", true));
+    EXPECT_EQ(AwaitSaid(), folder + "\n<a>\n<b c>\n<>\n<$HOME>\n<;>\n<\xE9>\n"); // and no input
     ASSERT_TRUE(ExeUtils::LaunchApp(script));
     EXPECT_EQ(AwaitSaid(), std::filesystem::current_path().string() + "\n");
-    const CString relative(std::filesystem::proximate(script.GetString()).string());
-    ASSERT_TRUE(ExeUtils::LaunchApp(relative, "", CString(folder))); // relative to the host's folder
+    CString backslashes(folder);
+    backslashes.Replace('/', '\\');
+    const CString relative(std::filesystem::proximate(script.GetString()).string()); // to the host's folder
+    ASSERT_TRUE(ExeUtils::LaunchApp(relative, "", backslashes));
     EXPECT_EQ(AwaitSaid(), folder + "\n");
     ExternalAppRun app;
     app.SetPath(script);
@@ -99,13 +90,11 @@ TEST_F(Launch, SaysWhatDoesNotStart)
     chmod(noFormat, 0700);
     const CString folder(m_folder.Path());
     const CString nul("\0", 1);
-    // clang-format off
     const CString cases[][3] = {
-        {"", "", folder}, {folder + "none", "", folder}, {folder, "", folder}, {plain, "", folder}, {noFormat, "", folder},
-        {script, "", folder + "none"}, {script, "", plain}, {script, "", folder + nul}, {script + nul, "", folder},
-        {script, "a" + nul, folder}, {"sh", "", folder},
-    };
-    // clang-format on
+        {"", "", folder},           {folder + "none", "", folder}, {folder, "", folder},
+        {plain, "", folder},        {noFormat, "", folder},        {script, "", plain},
+        {script, "", folder + nul}, {script + nul, "", folder},    {script, "a" + nul, folder},
+        {"sh", "", folder}};
     for (const auto& [path, arguments, initialFolder] : cases)
         EXPECT_FALSE(ExeUtils::LaunchApp(path, arguments, initialFolder)) << path << " in " << initialFolder;
     EXPECT_FALSE(m_folder.Has("said") || m_folder.Has("said.new"));
@@ -136,11 +125,9 @@ TEST_F(Launch, GivesTheProgramNothingOfTheHosts)
     ASSERT_TRUE(ExeUtils::LaunchApp(script));
     const std::string files = AwaitSaid();
     ASSERT_TRUE(ExeUtils::LaunchApp("/bin/cp", "/proc/self/status state", m_folder.Path())); // its own state
-    std::string state;
-    for (int tries = 0; tries < 6000 && Lines(state, "nonvoluntary").empty(); ++tries) { // the last line
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        state = m_folder.Read("state");
-    }
+    const std::string state = Await("state", [](const std::string& lines) {
+        return !Lines(lines, "nonvoluntary").empty(); // the last one
+    });
     pthread_sigmask(SIG_SETMASK, &oldMask, &nowMask);
     std::signal(SIGPIPE, before);
     dup2(input, 0);
@@ -182,11 +169,8 @@ TEST_F(Launch, WorksWithoutStandardFilesAndFromManyThreads)
         });
     for (std::thread& thread : threads)
         thread.join();
-    std::string log;
-    for (int tries = 0; tries < 6000 && log.size() != 6 + 40 * 6; ++tries) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        log = m_folder.Read("many.log");
-    }
+    const std::string log =
+        Await("many.log", [](const std::string& lines) { return lines.size() == 6 + 40 * 6; });
     EXPECT_EQ(log.size(), 6U + 40 * 6) << log;
 }
 

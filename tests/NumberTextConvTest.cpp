@@ -18,7 +18,7 @@ protected:
         LocaleUtils::m_csDecimalSeparator = decimal;
         LocaleUtils::m_csThousandsSeparator = thousands;
     }
-    // The texts, and others of the characters that the rules speak of and some more.
+    // And texts of the characters that the rules speak of and some more.
     std::vector<CString> AndRandom(std::vector<CString> texts)
     {
         const std::string characters("01234567890123456789--().,, a\0\xE9\xB2", 33);
@@ -38,16 +38,24 @@ TEST_F(NumberText, PadsWithWholePads)
     EXPECT_EQ(NumberTextConv::NumberToString(1, false, 1'000'000, "ab").GetLength(), 1'000'001);
 }
 
-TEST_F(NumberText, OfAllWidthsReadsBack)
+TEST_F(NumberText, OfAllWidthsReadsBackAndHasItsDigits)
 {
-    for (int i = 0; i < 20000; ++i) {
-        const uint64 wide = (uint64{m_random.Engine()()} << 32 | m_random.Engine()()) >> m_random.Below(64);
-        const int value = i < 2 ? INT_MIN + i : static_cast<int>(wide);
-        EXPECT_EQ(NumberTextConv::NumberToString(value), std::to_string(value).c_str());
-        EXPECT_EQ(NumberTextConv::NumberToString(wide), std::to_string(wide).c_str());
+    std::vector<uint64> values = {0, 0x7FFFFFFF, 0x80000000, uint64{1} << 63, (uint64{1} << 63) - 1};
+    for (uint64 power = 1, digits = 1; digits <= 20; power *= 10, ++digits)
+        values.insert(values.end(), {power - 1, power, 0 - power, 1 - power});
+    for (int i = 0; i < 20000; ++i)
+        values.push_back((uint64{m_random.Engine()()} << 32 | m_random.Engine()()) >> m_random.Below(64));
+    for (const uint64 wide : values) {
+        const int value = static_cast<int>(wide);
+        const CString text(std::to_string(value)), wideText(std::to_string(wide));
+        EXPECT_EQ(NumberTextConv::NumberToString(value), text);
+        EXPECT_EQ(NumberTextConv::NumberToString(wide), wideText);
         EXPECT_EQ(NumberTextConv::GetNumberFromString(NumberTextConv::NumberToString(value, true)), value);
+        bool isNegative = value >= 0;
+        EXPECT_EQ(NumberTextConv::GetDigitCount(value, isNegative), text.GetLength() - (value < 0));
+        EXPECT_EQ(isNegative, value < 0);
+        EXPECT_EQ(NumberTextConv::GetDigitCount(wide), wideText.GetLength());
     }
-    EXPECT_EQ(NumberTextConv::NumberToString(uint64{ULLONG_MAX}), "18446744073709551615");
 }
 
 // At most four characters of a separator are written, however many digits it stands between.
@@ -84,8 +92,6 @@ TEST_F(NumberText, ReadsIntegersAsTheRuleDoes)
         EXPECT_EQ(NumberTextConv::GetNumber64FromString(text), static_cast<int64>(PlaceByPlace(text)));
         EXPECT_EQ(NumberTextConv::GetNumberFromString(text), static_cast<int>(PlaceByPlace(text)));
     }
-    for (const auto& [text, value] : Cases<2>("integers"))
-        EXPECT_EQ(NumberTextConv::GetNumberFromString(text), std::stoi(value)) << text;
 }
 
 // Step by step as the rule says it, down to the replacement of a result near zero.
@@ -132,11 +138,6 @@ TEST_F(NumberText, ReadsDecimalsBitForBitAsTheRuleDoes)
                     << text << ' ' << expected << ' ' << read;
             }
     }
-    Use(".", ",");
-    for (const auto& [text, value, withParentheses] : Cases<3>("decimals")) {
-        EXPECT_DOUBLE_EQ(NumberTextConv::GetDoubleFromString(text), std::stod(value)) << text;
-        EXPECT_DOUBLE_EQ(NumberTextConv::GetDoubleFromString(text, true), std::stod(withParentheses)) << text;
-    }
 }
 
 TEST_F(NumberText, LosesItsDecimalZeroes)
@@ -157,56 +158,14 @@ TEST_F(NumberText, ReadsHexadecimalInThirtyTwoBits)
     EXPECT_EQ(NumberTextConv::ConvertFromHex("0x" + CString('F', 1'000'000)), 0x7FFFFFFF);
 }
 
-template <class Integer>
-void ExpectCount(Integer value)
+TEST_F(NumberText, OfBytesIsReadAndWritten)
 {
-    const int length = static_cast<int>(std::to_string(value).size());
-    if constexpr (std::is_signed_v<Integer>) {
-        bool negative = value >= 0;
-        EXPECT_EQ(NumberTextConv::GetDigitCount(value, negative), length - (value < 0)) << value;
-        EXPECT_EQ(negative, value < 0) << value;
-    } else {
-        EXPECT_EQ(NumberTextConv::GetDigitCount(value), length) << value;
-    }
-}
-
-TEST_F(NumberText, HasAsManyDigitsAsItIsWrittenWith)
-{
-    std::vector<uint64> values = {0, 0x7FFFFFFF, 0x80000000, uint64{1} << 63, (uint64{1} << 63) - 1};
-    for (uint64 power = 1, digits = 1; digits <= 20; power *= 10, ++digits)
-        values.insert(values.end(), {power - 1, power, 0 - power, 1 - power});
-    for (const uint64 value : values) {
-        ExpectCount(static_cast<int>(value));
-        ExpectCount(static_cast<long>(value));
-        ExpectCount(static_cast<int64>(value));
-        ExpectCount(static_cast<unsigned int>(value));
-        ExpectCount(static_cast<unsigned long>(value));
-        ExpectCount(value);
-    }
-    for (const char* text : {"", "abc", "\xB2\xB3\xB9", "\xFF", "0", "x9", "9x"})
-        EXPECT_EQ(NumberTextConv::HasDigit(text), text[0] == '0' || std::strchr(text, '9') != nullptr)
-            << text;
-}
-
-TEST_F(NumberText, OfBytesIsReversible)
-{
-    CByteArray bytes, read;
-    CString text = "before";
-    NumberTextConv::ConvertByteArrayToString(bytes, text);
-    EXPECT_EQ(text, "");
-    for (int count = 0; count < 600; ++count) {
-        bytes.Add(static_cast<BYTE>(count * 255 + 12));
-        NumberTextConv::ConvertByteArrayToString(bytes, text);
-        NumberTextConv::ConvertStringToByteArray(text, read);
-        ASSERT_TRUE(std::equal(bytes.begin(), bytes.end(), read.begin(), read.end())) << count;
-    }
-    EXPECT_EQ(text.Left(9), "12, 11, 1");
-    for (const auto& [bytesText, expected] : Cases<2>("byte arrays")) {
-        NumberTextConv::ConvertStringToByteArray(bytesText, read);
-        CString line;
-        for (const BYTE byte : read)
-            line.AppendFormat(line.IsEmpty() ? "%d" : ";%d", byte);
-        EXPECT_EQ(line, expected) << bytesText;
+    CByteArray read;
+    CString text;
+    for (const auto& [before, expected] : Cases<2>("byte arrays")) {
+        NumberTextConv::ConvertStringToByteArray(before, read);
+        NumberTextConv::ConvertByteArrayToString(read, text);
+        EXPECT_EQ(text, expected) << before;
     }
 }
 
