@@ -9,11 +9,16 @@
 
 #include "Crypto.h"
 #include "DateEntry.h"
+#include "ExternalAppRun.h"
+#include "MRUApplications.h"
 #include "MRUArray.h"
 #include "MRUArrayByTime.h"
+#include "NextIDMgr.h"
 #include "SerializeData.h"
+#include "VersionNumber.h"
 #include "support/AllocationCounter.h"
 #include "support/ArchiveBytes.h"
+#include "support/LogFiles.h"
 #include "support/Table.h"
 
 namespace {
@@ -35,6 +40,14 @@ struct Protected : Container {
 };
 struct KeyedMap : std::map<int, CString> {
     void Transfer(CArchive& archive, bool legacy) { SerializeData::Serialize(archive, *this, {2}, legacy); }
+};
+struct LogFile {
+    ~LogFile() { LogHome::Forget(); }
+    void Serialize(CArchive& archive)
+    {
+        AppLogger::m_csAppName = "App"; // which is stored
+        AppLogger::Serialize(archive);
+    }
 };
 
 // A value as the manifest has it.
@@ -82,6 +95,25 @@ struct Shown {
         TextArray popular;
         times.GetPopular(popular, -1);
         return Of(popular);
+    }
+    static string Of(const MRUApplications& applications)
+    {
+        TextArray names;
+        applications.GetMRUAppNames(names);
+        return Joined(" ", names, applications.GetAppPath(0), applications.GetAppPath(1));
+    }
+    static string Of(NextIDMgr ids) { return Of(ids.GetNextID()); }
+    static string Of(const VersionNumber& version) { return Of(version.GetString()); }
+    static string Of(const ExternalAppRun& app)
+    {
+        return Joined(" ", app.GetPath(), app.GetArgs(), app.GetInitDir(), app.GetTitle());
+    }
+    static string Of(const LogFile&)
+    {
+        auto lines = LogHome::Texts();
+        for (string& line : lines)
+            line.erase(0, line.find('\t') + 1); // the time, whose form is the user's
+        return Of(lines);
     }
     template <class Key, class Value>
     static string Of(const std::pair<const Key, Value>& pair)
@@ -141,6 +173,16 @@ struct Outcome {
 };
 using Loader = void (*)(const string& bytes, const string& how, Outcome* outcome);
 
+// Containers, and the log, keep what they have got when the data break off; all other values change only
+// when all is read.
+template <class Value>
+constexpr bool KeepsAPart = std::is_same_v<Value, LogFile> || std::is_same_v<Value, TextArray> ||
+                            requires(Value value)
+{
+    value.clear();
+}
+&&!std::is_same_v<Value, string>;
+
 template <class Value>
 void Load(const string& bytes, const string& how, Outcome* outcome)
 {
@@ -150,7 +192,13 @@ void Load(const string& bytes, const string& how, Outcome* outcome)
         Transfer(archive, value, how);
         bytesLeft = archive.GetBytesAhead();
     };
-    LoadFrom<WatchedFile>(bytes, transfer, CArchive::MinBuffer);
+    const string before = KeepsAPart<Value> ? "" : StoredBy(transfer);
+    try {
+        LoadFrom<WatchedFile>(bytes, transfer, CArchive::MinBuffer);
+    } catch (...) {
+        EXPECT_TRUE(KeepsAPart<Value> || StoredBy(transfer) == before) << HexOf(bytes);
+        throw;
+    }
     if (outcome == nullptr)
         return;
     LoadFrom(bytes, transfer); // over what is there already
@@ -210,6 +258,11 @@ const std::vector<Loader>& LoadersOf(const string& kind)
         {"DateEntry", As<DateEntry>()},
         {"MRUArray", As<MRUArray>()},
         {"MRUArrayByTime", As<MRUArrayByTime>()},
+        {"MRUApplications", As<MRUApplications>()},
+        {"NextIDMgr", As<NextIDMgr>()},
+        {"VersionNumber", As<VersionNumber>()},
+        {"ExternalAppRun", As<ExternalAppRun>()},
+        {"log file", As<LogFile>()},
     };
     return kinds.at(kind);
 }
