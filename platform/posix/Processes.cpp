@@ -84,10 +84,11 @@ void ResetSignals() noexcept
 {
     setsid();
     report = {};
-    // It is wanted that this waits until the program runs or has failed.
+    // It waits until the program runs or has failed. What the program does meanwhile to the intermediary's
+    // memory is wanted (the report) or meets nothing that is used again, which the lints cannot know.
     const pid_t program = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
     if (program == 0)
-        BecomeProgram(launch, report);
+        BecomeProgram(launch, report); // NOLINT(clang-analyzer-unix.Vfork)
     if (program < 0)
         ReportAndExit(report, false);
     _exit(0);
