@@ -221,49 +221,36 @@ const std::vector<Loader>& LoadersOf(const string& kind)
 {
     using Rects = std::map<CString, CRect>;
     using RectsNoCase = std::map<CString, CRect, NoCase>;
+    using TextToInt = std::map<CString, int>;
+    using TextToIntNoCase = std::map<CString, int, NoCase>;
+    // clang-format off
     static const std::map<string, std::vector<Loader>> kinds = {
-        {"vector of bool", As<std::vector<bool>>()},
-        {"vector of int", As<std::vector<int>>()},
-        {"vector of uint64", As<std::vector<uint64>>()},
-        {"vector of double", As<std::vector<double>>()},
+        {"vector of bool", As<std::vector<bool>>()}, {"vector of int", As<std::vector<int>>()},
+        {"vector of uint64", As<std::vector<uint64>>()}, {"vector of double", As<std::vector<double>>()},
         {"vector of text", As<std::vector<CString>, std::vector<string>>()},
         {"vector of text, protected", As<Protected<std::vector<CString>>>()},
-        {"set of text",
-         As<std::set<CString>, std::set<CString, NoCase>, std::set<string>, std::set<string, NoCase>>()},
+        {"set of text", As<std::set<CString>, std::set<CString, NoCase>, std::set<string>, std::set<string, NoCase>>()},
         {"unordered set of text", As<std::unordered_set<string>>()},
-        {"map of int to bool", As<std::map<int, bool>>()},
-        {"map of int to int", As<std::map<int, int>>()},
-        {"map of int to uint64", As<std::map<int, uint64>>()},
-        {"map of int to double", As<std::map<int, double>>()},
+        {"map of int to bool", As<std::map<int, bool>>()}, {"map of int to int", As<std::map<int, int>>()},
+        {"map of int to uint64", As<std::map<int, uint64>>()}, {"map of int to double", As<std::map<int, double>>()},
         {"map of int to DateTime", As<std::map<int, DateTime>>()},
         {"map of int to text", As<std::map<int, CString>, std::map<int, string>>()},
         {"map of int to text, key 2 protected", As<KeyedMap>()},
         {"map of int to vector of int", As<std::map<int, std::vector<int>>>()},
-        {"map of text to bool", AsTextMap<bool>()},
-        {"map of text to int", AsTextMap<int>()},
-        {"map of text to int, protected",
-         As<Protected<std::map<CString, int>>, Protected<std::map<CString, int, NoCase>>>()},
-        {"map of text to unsigned", AsTextMap<UINT>()},
-        {"map of text to double", AsTextMap<double>()},
-        {"map of text to DateTime", AsTextMap<DateTime>()},
-        {"map of text to text", AsTextMap<CString, string>()},
+        {"map of text to bool", AsTextMap<bool>()}, {"map of text to int", AsTextMap<int>()},
+        {"map of text to int, protected", As<Protected<TextToInt>, Protected<TextToIntNoCase>>()},
+        {"map of text to unsigned", AsTextMap<UINT>()}, {"map of text to double", AsTextMap<double>()},
+        {"map of text to DateTime", AsTextMap<DateTime>()}, {"map of text to text", AsTextMap<CString, string>()},
         {"map of text to vector of text", AsTextMap<std::vector<CString>>()},
         {"map of text to CRect", As<Rects, RectsNoCase>()},
         {"map of unsigned to map of text to CRect", As<std::map<UINT, Rects>, std::map<UINT, RectsNoCase>>()},
-        {"text", As<string>()},
-        {"bool", As<bool>()},
-        {"encrypted text", As<EncryptedText>()},
-        {"TextArray", As<TextArray>()},
-        {"DateTime", As<DateTime>()},
-        {"DateEntry", As<DateEntry>()},
-        {"MRUArray", As<MRUArray>()},
-        {"MRUArrayByTime", As<MRUArrayByTime>()},
-        {"MRUApplications", As<MRUApplications>()},
-        {"NextIDMgr", As<NextIDMgr>()},
-        {"VersionNumber", As<VersionNumber>()},
-        {"ExternalAppRun", As<ExternalAppRun>()},
-        {"log file", As<LogFile>()},
+        {"text", As<string>()}, {"bool", As<bool>()}, {"encrypted text", As<EncryptedText>()},
+        {"TextArray", As<TextArray>()}, {"DateTime", As<DateTime>()}, {"DateEntry", As<DateEntry>()},
+        {"MRUArray", As<MRUArray>()}, {"MRUArrayByTime", As<MRUArrayByTime>()},
+        {"MRUApplications", As<MRUApplications>()}, {"NextIDMgr", As<NextIDMgr>()},
+        {"VersionNumber", As<VersionNumber>()}, {"ExternalAppRun", As<ExternalAppRun>()}, {"log file", As<LogFile>()},
     };
+    // clang-format on
     return kinds.at(kind);
 }
 
