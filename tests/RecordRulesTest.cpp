@@ -1,0 +1,55 @@
+// Rules of records and launches that only show when something else goes wrong beside them.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "ExeUtils.h"
+#include "support/ArchiveBytes.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+// Each child has copies of all that the host had open while a launch went on, and stays for as long as the
+// gate is open.
+TEST(RecordRules, ALaunchDoesNotWaitForWhatAnotherThreadForks)
+{
+    constexpr int MostChildren = 400;
+    int gate[2];
+    ASSERT_EQ(pipe(gate), 0);
+    std::atomic<int> count = 0;
+    std::thread forking([&] {
+        for (; count < MostChildren; ++count)
+            if (fork() == 0) {
+                close(gate[1]);
+                _exit(static_cast<int>(read(gate[0], gate, 1)));
+            }
+    });
+    do {
+        EXPECT_TRUE(ExeUtils::LaunchApp("/bin/true"));
+        EXPECT_FALSE(ExeUtils::LaunchApp("/bin/true", "", "/none"));
+    } while (count < MostChildren);
+    forking.join();
+    close(gate[1]);
+    while (wait(nullptr) > 0)
+        ;
+    close(gate[0]);
+}
+
+// A list inside a record, of a version that the library takes for an empty list.
+TEST(RecordRules, TheInspectorRefusesInnerListsOfUnknownVersions)
+{
+    const TemporaryFolder folder;
+    for (const char* hex :
+         {"0400 0500", "0400 0400 0100 0000000000000000 0100 0100000000000000 05000000 0000"}) {
+        const std::string file = folder.Write("file", BytesOf(hex));
+        const std::string command = KVT01_INSPECT " archive '" + file + "' --as MRUArray >/dev/null 2>&1";
+        EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1) << hex;
+    }
+}
+
+} // namespace
