@@ -1,4 +1,4 @@
-// Rules of records and launches that only show when something else goes wrong beside them.
+// Rules that only show beside something unusual.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -6,9 +6,10 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 #include "ExeUtils.h"
+#include "MRUArrayByTime.h"
+#include "TextArray.h"
 #include "support/ArchiveBytes.h"
 #include "support/TemporaryFolder.h"
 
@@ -35,9 +36,18 @@ TEST(RecordRules, ALaunchDoesNotWaitForWhatAnotherThreadForks)
     } while (count < MostChildren);
     forking.join();
     close(gate[1]);
-    while (wait(nullptr) > 0)
+    for (close(gate[0]); wait(nullptr) > 0;)
         ;
-    close(gate[0]);
+}
+
+// Where each of them looked through all the others this would take minutes.
+TEST(RecordRules, ManyEqualTextsGoAtOnce)
+{
+    MRUArrayByTime times;
+    for (uint64 i = 0; i < 200'000; ++i)
+        times.ApplyDuration("same", i % 7);
+    times.RemoveAllBut(TextArray());
+    EXPECT_FALSE(times.HavePopular());
 }
 
 // A list inside a record, of a version that the library takes for an empty list.
