@@ -1,4 +1,3 @@
-// Rules that only show beside something unusual.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -19,12 +18,11 @@ namespace {
 // gate is open.
 TEST(RecordRules, ALaunchDoesNotWaitForWhatAnotherThreadForks)
 {
-    constexpr int MostChildren = 400;
     int gate[2];
     ASSERT_EQ(pipe(gate), 0);
-    std::atomic<int> count = 0;
+    std::atomic<int> left = 200;
     std::thread forking([&] {
-        for (; count < MostChildren; ++count)
+        for (; left > 0; --left)
             if (fork() == 0) {
                 close(gate[1]);
                 _exit(static_cast<int>(read(gate[0], gate, 1)));
@@ -33,7 +31,7 @@ TEST(RecordRules, ALaunchDoesNotWaitForWhatAnotherThreadForks)
     do {
         EXPECT_TRUE(ExeUtils::LaunchApp("/bin/true"));
         EXPECT_FALSE(ExeUtils::LaunchApp("/bin/true", "", "/none"));
-    } while (count < MostChildren);
+    } while (left > 0);
     forking.join();
     close(gate[1]);
     for (close(gate[0]); wait(nullptr) > 0;)
@@ -56,8 +54,8 @@ TEST(RecordRules, TheInspectorRefusesInnerListsOfUnknownVersions)
     const TemporaryFolder folder;
     for (const char* hex :
          {"0400 0500", "0400 0400 0100 0000000000000000 0100 0100000000000000 05000000 0000"}) {
-        const std::string file = folder.Write("file", BytesOf(hex));
-        const std::string command = KVT01_INSPECT " archive '" + file + "' --as MRUArray >/dev/null 2>&1";
+        const std::string command = KVT01_INSPECT " archive '" + folder.Write("file", BytesOf(hex)) +
+                                    "' --as MRUArray >/dev/null 2>&1";
         EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1) << hex;
     }
 }
