@@ -176,12 +176,8 @@ using Loader = void (*)(const string& bytes, const string& how, Outcome* outcome
 // Containers, and the log, keep what they have got when the data break off; all other values change only
 // when all is read.
 template <class Value>
-constexpr bool KeepsAPart = std::is_same_v<Value, LogFile> || std::is_same_v<Value, TextArray> ||
-                            requires(Value value)
-{
-    value.clear();
-}
-&&!std::is_same_v<Value, string>;
+constexpr bool KeepsAPart = OneOf<Value, LogFile, TextArray> ||
+                            (requires(Value value) { value.clear(); } && !std::is_same_v<Value, string>);
 
 template <class Value>
 void Load(const string& bytes, const string& how, Outcome* outcome)
