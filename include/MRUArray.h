@@ -3,7 +3,7 @@
 // many texts are reported and stored, never how many are kept; a limit of 0 switches its list off.
 //
 // Texts are equal when CString::Compare says so: with case, up to the first NUL. Adding costs the same
-// however many texts are held. Only Serialize throws. One thread at a time may use an object.
+// however many different texts are held. Only Serialize throws. One thread at a time may use an object.
 #pragma once
 
 #include "BasicTypes.h"

@@ -3,7 +3,7 @@
 //
 // Texts are equal when CString::Compare says so: with case, up to the first NUL. Where a text is held more
 // than once, operations mean the one that comes first, from the largest total down. Adding costs the same
-// however many texts are held. Only Serialize throws. One thread at a time may use an object.
+// however many different texts are held. Only Serialize throws. One thread at a time may use an object.
 #pragma once
 
 #include "BasicTypes.h"

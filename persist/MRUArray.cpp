@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <map>
+#include <utility>
 
 #include "persist/ContainerRecord.h"
 #include "persist/RankedTexts.h"
@@ -108,13 +109,16 @@ void MRUArray::ReplaceInAll(const CString& from, const CString& to)
 {
     if (from.IsEmpty() || to.IsEmpty())
         return;
-    for (auto* const texts : {&m_lists->ChangeRecent(), &m_lists->popular})
+    for (auto* const texts : {&m_lists->ChangeRecent(), &m_lists->popular}) {
+        RankedTexts<int> replaced;
         texts->ForEach([&](RankedTexts<int>::Place place) {
             CString text = texts->GetText(place);
-            if (text.Replace(from, to) > 0)
-                texts->SetText(place, text);
+            text.Replace(from, to);
+            replaced.Append(texts->GetRank(place), text);
             return true;
         });
+        *texts = std::move(replaced);
+    }
 }
 
 void MRUArray::Clear()

@@ -4,6 +4,7 @@
 #include <map>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "TextArray.h"
@@ -48,14 +49,16 @@ void MRUArrayByTime::Remove(const CString& text)
 
 void MRUArrayByTime::RemoveAllBut(const TextArray& keep)
 {
-    std::unordered_set<std::string_view> kept; // as far as Compare looks
+    std::unordered_set<std::string_view> wanted; // as far as Compare looks
     for (const CString& text : keep)
-        kept.insert(text.GetString());
+        wanted.insert(text.GetString());
+    Texts kept;
     m_texts->ForEach([&](Texts::Place place) {
-        if (!kept.contains(m_texts->GetText(place).GetString()))
-            m_texts->Remove(place);
+        if (wanted.contains(m_texts->GetText(place).GetString()))
+            kept.Append(m_texts->GetRank(place), m_texts->GetText(place));
         return true;
     });
+    *m_texts = std::move(kept);
 }
 
 void MRUArrayByTime::Rename(const CString& from, const CString& to)

@@ -1,6 +1,6 @@
 // Texts in buckets by rank, the highest rank first; inside a bucket they have an order of their own. An index
 // from the text to its entries makes finding, moving and removing cost the same at every size; only the
-// number of different ranks counts, by its logarithm.
+// number of different ranks counts, by its logarithm, and how many times the same text is held.
 //
 // Texts are equal by CString::Compare. The same text may be held several times; Find gives the first. Copying
 // is member by member: entries are linked by their places in a vector.
@@ -90,21 +90,14 @@ public:
         AddToSlot(place);
     }
 
-    // Calls visit(place) for every entry in order until it answers false. It may remove that entry, or change
-    // its text.
+    // Calls visit(place), which changes nothing here, for every entry in order until it answers false.
     template <class Visit>
     void ForEach(Visit visit) const
     {
-        for (auto bucket = m_buckets.begin(); bucket != m_buckets.end();) {
-            Place place = bucket->second.first;
-            ++bucket;
-            while (place != None) {
-                const Place next = m_entries[place].after;
+        for (const auto& [rank, bucket] : m_buckets)
+            for (Place place = bucket.first; place != None; place = m_entries[place].after)
                 if (!visit(place))
                     return;
-                place = next;
-            }
-        }
     }
 
 private:

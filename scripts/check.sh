@@ -10,4 +10,4 @@ git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror
 cmake --preset clang
 cmake --build --preset clang
 git ls-files 'text/*.cpp' 'numbers/*.cpp' 'dates/*.cpp' 'persist/*.cpp' 'files/*.cpp' 'framework/*.cpp' 'platform/posix/*.cpp' \
-    'system/*.cpp' | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/clang
+    'system/*.cpp' 'tools/*.cpp' | xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/clang

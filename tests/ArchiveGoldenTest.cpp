@@ -9,12 +9,17 @@
 
 #include "Crypto.h"
 #include "DateEntry.h"
+#include "ExternalAppRun.h"
+#include "MRUApplications.h"
 #include "MRUArray.h"
 #include "MRUArrayByTime.h"
+#include "NextIDMgr.h"
 #include "SerializeData.h"
+#include "VersionNumber.h"
 #include "support/AllocationCounter.h"
 #include "support/ArchiveBytes.h"
 #include "support/Cases.h"
+#include "support/LogFiles.h"
 
 namespace {
 
@@ -35,6 +40,14 @@ struct Protected : Container {
 };
 struct KeyedMap : std::map<int, CString> {
     void Transfer(CArchive& archive, bool legacy) { SerializeData::Serialize(archive, *this, {2}, legacy); }
+};
+struct LogFile {
+    ~LogFile() { LogHome::Forget(); }
+    void Serialize(CArchive& archive)
+    {
+        AppLogger::m_csAppName = "App"; // which is stored
+        AppLogger::Serialize(archive);
+    }
 };
 
 // A value as the manifest has it.
@@ -82,6 +95,25 @@ struct Shown {
         TextArray popular;
         times.GetPopular(popular, -1);
         return Of(popular);
+    }
+    static string Of(const MRUApplications& applications)
+    {
+        TextArray names;
+        applications.GetMRUAppNames(names);
+        return Joined(" ", names, applications.GetAppPath(0), applications.GetAppPath(1));
+    }
+    static string Of(NextIDMgr ids) { return Of(ids.GetNextID()); }
+    static string Of(const VersionNumber& version) { return Of(version.GetString()); }
+    static string Of(const ExternalAppRun& app)
+    {
+        return Joined(" ", app.GetPath(), app.GetArgs(), app.GetInitDir(), app.GetTitle());
+    }
+    static string Of(const LogFile&)
+    {
+        auto lines = LogHome::Texts();
+        for (string& line : lines)
+            line.erase(0, line.find('\t') + 1); // the time, whose form is the user's
+        return Of(lines);
     }
     template <class Key, class Value>
     static string Of(const std::pair<const Key, Value>& pair)
@@ -141,6 +173,12 @@ struct Outcome {
 };
 using Loader = void (*)(const string& bytes, const string& how, Outcome* outcome);
 
+// Containers, and the log, keep what they have got when the data break off; all other values change only
+// when all is read.
+template <class Value>
+constexpr bool KeepsAPart = OneOf<Value, LogFile, TextArray> ||
+                            (requires(Value value) { value.clear(); } && !std::is_same_v<Value, string>);
+
 template <class Value>
 void Load(const string& bytes, const string& how, Outcome* outcome)
 {
@@ -150,7 +188,13 @@ void Load(const string& bytes, const string& how, Outcome* outcome)
         Transfer(archive, value, how);
         bytesLeft = archive.GetBytesAhead();
     };
-    LoadFrom<WatchedFile>(bytes, transfer, CArchive::MinBuffer);
+    const string before = KeepsAPart<Value> ? "" : StoredBy(transfer);
+    try {
+        LoadFrom<WatchedFile>(bytes, transfer, CArchive::MinBuffer);
+    } catch (...) {
+        EXPECT_TRUE(KeepsAPart<Value> || StoredBy(transfer) == before) << HexOf(bytes);
+        throw;
+    }
     if (outcome == nullptr)
         return;
     LoadFrom(bytes, transfer); // over what is there already
@@ -173,44 +217,36 @@ const std::vector<Loader>& LoadersOf(const string& kind)
 {
     using Rects = std::map<CString, CRect>;
     using RectsNoCase = std::map<CString, CRect, NoCase>;
+    using TextToInt = std::map<CString, int>;
+    using TextToIntNoCase = std::map<CString, int, NoCase>;
+    // clang-format off
     static const std::map<string, std::vector<Loader>> kinds = {
-        {"vector of bool", As<std::vector<bool>>()},
-        {"vector of int", As<std::vector<int>>()},
-        {"vector of uint64", As<std::vector<uint64>>()},
-        {"vector of double", As<std::vector<double>>()},
+        {"vector of bool", As<std::vector<bool>>()}, {"vector of int", As<std::vector<int>>()},
+        {"vector of uint64", As<std::vector<uint64>>()}, {"vector of double", As<std::vector<double>>()},
         {"vector of text", As<std::vector<CString>, std::vector<string>>()},
         {"vector of text, protected", As<Protected<std::vector<CString>>>()},
-        {"set of text",
-         As<std::set<CString>, std::set<CString, NoCase>, std::set<string>, std::set<string, NoCase>>()},
+        {"set of text", As<std::set<CString>, std::set<CString, NoCase>, std::set<string>, std::set<string, NoCase>>()},
         {"unordered set of text", As<std::unordered_set<string>>()},
-        {"map of int to bool", As<std::map<int, bool>>()},
-        {"map of int to int", As<std::map<int, int>>()},
-        {"map of int to uint64", As<std::map<int, uint64>>()},
-        {"map of int to double", As<std::map<int, double>>()},
+        {"map of int to bool", As<std::map<int, bool>>()}, {"map of int to int", As<std::map<int, int>>()},
+        {"map of int to uint64", As<std::map<int, uint64>>()}, {"map of int to double", As<std::map<int, double>>()},
         {"map of int to DateTime", As<std::map<int, DateTime>>()},
         {"map of int to text", As<std::map<int, CString>, std::map<int, string>>()},
         {"map of int to text, key 2 protected", As<KeyedMap>()},
         {"map of int to vector of int", As<std::map<int, std::vector<int>>>()},
-        {"map of text to bool", AsTextMap<bool>()},
-        {"map of text to int", AsTextMap<int>()},
-        {"map of text to int, protected",
-         As<Protected<std::map<CString, int>>, Protected<std::map<CString, int, NoCase>>>()},
-        {"map of text to unsigned", AsTextMap<UINT>()},
-        {"map of text to double", AsTextMap<double>()},
-        {"map of text to DateTime", AsTextMap<DateTime>()},
-        {"map of text to text", AsTextMap<CString, string>()},
+        {"map of text to bool", AsTextMap<bool>()}, {"map of text to int", AsTextMap<int>()},
+        {"map of text to int, protected", As<Protected<TextToInt>, Protected<TextToIntNoCase>>()},
+        {"map of text to unsigned", AsTextMap<UINT>()}, {"map of text to double", AsTextMap<double>()},
+        {"map of text to DateTime", AsTextMap<DateTime>()}, {"map of text to text", AsTextMap<CString, string>()},
         {"map of text to vector of text", AsTextMap<std::vector<CString>>()},
         {"map of text to CRect", As<Rects, RectsNoCase>()},
         {"map of unsigned to map of text to CRect", As<std::map<UINT, Rects>, std::map<UINT, RectsNoCase>>()},
-        {"text", As<string>()},
-        {"bool", As<bool>()},
-        {"encrypted text", As<EncryptedText>()},
-        {"TextArray", As<TextArray>()},
-        {"DateTime", As<DateTime>()},
-        {"DateEntry", As<DateEntry>()},
-        {"MRUArray", As<MRUArray>()},
-        {"MRUArrayByTime", As<MRUArrayByTime>()},
+        {"text", As<string>()}, {"bool", As<bool>()}, {"encrypted text", As<EncryptedText>()},
+        {"TextArray", As<TextArray>()}, {"DateTime", As<DateTime>()}, {"DateEntry", As<DateEntry>()},
+        {"MRUArray", As<MRUArray>()}, {"MRUArrayByTime", As<MRUArrayByTime>()},
+        {"MRUApplications", As<MRUApplications>()}, {"NextIDMgr", As<NextIDMgr>()},
+        {"VersionNumber", As<VersionNumber>()}, {"ExternalAppRun", As<ExternalAppRun>()}, {"log file", As<LogFile>()},
     };
+    // clang-format on
     return kinds.at(kind);
 }
 

@@ -1,4 +1,4 @@
-// NextIDMgr, VersionNumber, ExternalAppRun, and the records of these and of MRUApplications.
+// NextIDMgr, VersionNumber, ExternalAppRun, MRUApplications. Their records are among the golden files.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -8,6 +8,7 @@
 #include "ExternalAppRun.h"
 #include "MRUApplications.h"
 #include "NextIDMgr.h"
+#include "TextArray.h"
 #include "VersionNumber.h"
 #include "support/ArchiveBytes.h"
 #include "support/TemporaryFolder.h"
@@ -21,11 +22,9 @@ TEST(NextIDMgr, NeverHandsOutWhatIsInUse)
 {
     const struct {
         int next, update, wanted;
-    } cases[] = {
-        {0, -5, 0},     {0, 0, 1},   {3, 10, 11},     {12, 10, 12},    {3, 3, 4},
-        {3, 2, 3},      {3, Min, 3}, {3, Max, Min},   {Max, Max, Min}, {Max, Max - 1, Max},
-        {Min, -1, Min}, {Min, 5, 6}, {Min, Max, Min},
-    };
+    } cases[] = {{0, -5, 0},     {0, 0, 1},   {3, 10, 11},    {12, 10, 12},    {3, 3, 4},
+                 {3, 2, 3},      {3, Min, 3}, {3, Max, Min},  {Max, Max, Min}, {Max, Max - 1, Max},
+                 {Min, -1, Min}, {Min, 5, 6}, {Min, Max, Min}};
     for (const auto& [next, update, wanted] : cases) {
         SCOPED_TRACE(std::to_string(next) + " with " + std::to_string(update));
         NextIDMgr ids;
@@ -55,24 +54,18 @@ TEST(VersionNumber, ReadsTexts)
         // clang-format on
     };
     for (const auto& [text, shown] : cases) {
-        const VersionNumber version(text);
-        EXPECT_EQ(version.GetString(), shown) << text;
-        const VersionNumber same(version.GetMajor(), version.GetMinor(), version.GetSub());
-        EXPECT_EQ(VersionNumber(same.GetString()).GetString(), shown);
+        EXPECT_EQ(VersionNumber(text).GetString(), shown) << text;
+        EXPECT_EQ(VersionNumber(CString(shown)).GetString(), shown);
     }
 }
 
 TEST(VersionNumber, IsOrderedByItsParts)
 {
-    const int parts[] = {Min, -1, 0, Max};
-    std::vector<VersionNumber> ascending;
-    for (const int major : parts)
-        for (const int minor : parts)
-            for (const int sub : parts)
-                ascending.emplace_back(major, minor, sub);
-    for (std::size_t i = 0; i < ascending.size(); ++i)
-        for (std::size_t j = 0; j < ascending.size(); ++j)
-            ASSERT_TRUE((ascending[i] < ascending[j]) == (i < j) && (ascending[i] > ascending[j]) == (i > j))
+    constexpr int parts[] = {Min, -1, 0, Max};
+    const auto number = [&](int i) { return VersionNumber(parts[i / 16], parts[i / 4 % 4], parts[i % 4]); };
+    for (int i = 0; i < 64; ++i)
+        for (int j = 0; j < 64; ++j)
+            ASSERT_TRUE((number(i) < number(j)) == (i < j) && (number(i) > number(j)) == (i > j))
                 << i << ' ' << j;
 }
 
@@ -87,36 +80,31 @@ ExternalAppRun App(const CString& path, const CString& initDir, const CString& t
 
 TEST(ExternalAppRun, ComparesTitleOrPath)
 {
-    const struct {
-        const char *title, *path, *otherTitle, *otherPath;
-        bool isLess, isGreater;
-    } cases[] = {{"a", "p", "a", "p", false, false},  {"a", "p", "b", "p", true, false},
-                 {"b", "p", "a", "p", false, true},   {"a", "p", "a", "q", true, false},
-                 {"a", "q", "a", "p", false, true},   {"a", "q", "b", "p", true, true},
-                 {"b", "p", "a", "q", true, true},    {"B", "p", "a", "p", true, false},
-                 {"\xE9", "p", "z", "p", false, true}};
-    for (const auto& [title, path, otherTitle, otherPath, isLess, isGreater] : cases) {
-        const ExternalAppRun app = App(path, "", title);
-        const ExternalAppRun other = App(otherPath, "x", otherTitle);
-        EXPECT_TRUE((app < other) == isLess && (app > other) == isGreater)
-            << title << path << otherTitle << otherPath;
+    // A title and a path of one character each.
+    const char* const cases[][3] = {
+        // clang-format off
+        {"ap", "ap", ""}, {"ap", "bp", "<"}, {"bp", "ap", ">"}, {"ap", "aq", "<"}, {"aq", "ap", ">"}, {"aq", "bp", "<>"},
+        {"bp", "aq", "<>"}, {"Bp", "ap", "<"}, {"\xE9p", "zp", ">"},
+        // clang-format on
+    };
+    for (const auto& [one, other, signs] : cases) {
+        const ExternalAppRun a = App(one + 1, "", CString(one, 1)),
+                             b = App(other + 1, "x", CString(other, 1));
+        EXPECT_EQ(std::string(a < b ? "<" : "") + (a > b ? ">" : ""), signs) << one << ' ' << other;
     }
 }
 
 TEST(ExternalAppRun, RunsOnlyWithAPathAndAFolderThatExist)
 {
     const TemporaryFolder folder;
-    const CString there(folder.Write("plain", "no program"));
-    const CString missing(folder.Path("missing"));
+    const CString there(folder.Write("plain", "no program")), missing(folder.Path("missing"));
     const struct {
         CString path, initDir;
         bool canRun;
-    } cases[] = {
-        {there, folder.Path(), true}, {folder.Path(), there, true},
-        {there, "", false},           {there, " \t", false},
-        {"", there, false},           {missing, there, false},
-        {there, missing, false},      {there + CString('\0'), there, false},
-    };
+    } cases[] = {{there, folder.Path(), true}, {folder.Path(), there, true},
+                 {there, "", false},           {there, " \t", false},
+                 {"", there, false},           {missing, there, false},
+                 {there, missing, false},      {there + CString('\0'), there, false}};
     for (const auto& [path, initDir, canRun] : cases) {
         const ExternalAppRun app = App(path, initDir, "");
         EXPECT_EQ(app.CanRun(), canRun) << path << " in " << initDir;
@@ -124,59 +112,80 @@ TEST(ExternalAppRun, RunsOnlyWithAPathAndAFolderThatExist)
     }
 }
 
-// ---- records --------------------------------------------------------------------------------------------
+// ---- MRUApplications ------------------------------------------------------------------------------------
 
-template <class Value>
-std::string HexAfterLoading(const std::string& before, const std::string& bytes, bool mustFail)
+// Of each entry the name and the path.
+MRUApplications Of(const std::vector<std::string>& texts)
 {
-    Value value;
-    const auto load = [&](CArchive& archive) {
-        value.Serialize(archive);
-        EXPECT_EQ(archive.GetBytesAhead(), 0u);
-    };
-    LoadFrom(BytesOf(before), load);
-    if (mustFail)
-        EXPECT_THROW(LoadFrom(bytes, load), CArchiveException);
-    else
-        LoadFrom(bytes, load);
-    return HexOf(StoredBy([&](CArchive& archive) { value.Serialize(archive); }));
+    MRUApplications applications;
+    LoadFrom(StoredBy([&](CArchive& archive) {
+                 archive << WORD{4} << uint64{texts.size() / 2};
+                 for (const std::string& text : texts)
+                     archive << text;
+             }),
+             [&](CArchive& archive) { applications.Serialize(archive); });
+    return applications;
 }
 
-// The first record is what is stored; the others, all but the bad ones, load as the same. What is cut short
-// or bad changes nothing.
-template <class Value>
-void ExpectRecords(const std::vector<std::string>& records, const std::vector<std::string>& bad,
-                   const std::string& other)
+std::string PathsOf(const MRUApplications& applications)
 {
-    const std::string stored = HexOf(BytesOf(records[0]));
-    const std::string before = HexOf(BytesOf(other));
-    for (const std::string& record : records) {
-        SCOPED_TRACE(record);
-        const std::string bytes = BytesOf(record);
-        EXPECT_EQ(HexAfterLoading<Value>(other, bytes, false), stored);
-        for (std::size_t length = 0; length < bytes.size(); ++length)
-            EXPECT_EQ(HexAfterLoading<Value>(other, bytes.substr(0, length), true), before) << length;
+    CString paths;
+    for (uint64 i = 0; !applications.GetAppPath(i).IsEmpty(); ++i)
+        paths += applications.GetAppPath(i) + '|';
+    return std::string(paths.View());
+}
+
+std::string NamesOf(const MRUApplications& applications, std::size_t before = 0)
+{
+    TextArray names;
+    for (std::size_t i = 0; i < before; ++i)
+        names.Add("before");
+    applications.GetMRUAppNames(names);
+    std::string shown;
+    for (std::size_t i = before; i < names.GetCount(); ++i)
+        shown += names.GetCopyAt(i).GetString();
+    return shown;
+}
+
+TEST(MruApplications, TakesFilesOnceAndTheNewestFirst)
+{
+    const TemporaryFolder folder;
+    const std::string editor = folder.Write("Editor 2.5", ""), viewer = folder.Write("viewer", "");
+    const std::string shouted = folder.Write("VIEWER", ""); // differs by letter case only
+    MRUApplications applications;
+    for (const std::string& path :
+         {editor, viewer, shouted, editor, folder.Path(), folder.Path("none"), viewer + '\0', std::string()})
+        applications.AddEntry(path);
+    EXPECT_EQ(PathsOf(applications), viewer + '|' + editor + '|');
+    EXPECT_EQ(NamesOf(applications), "viewerEditor 2.5");
+    EXPECT_EQ(applications.GetAppPath(~uint64{0}), "");
+    applications.Clear();
+    EXPECT_EQ(PathsOf(applications) + NamesOf(applications), "");
+}
+
+TEST(MruApplications, FindsByPathBeforeName)
+{
+    const std::pair<const char*, const char*> cases[] = {{"/2", "/2|/1|a|"}, {"B", "/2|/1|a|"},
+                                                         {"A", "a|/1|/2|"},  {"/1", "/1|/2|a|"},
+                                                         {"c", nullptr},     {"", nullptr}};
+    for (const auto& [text, paths] : cases) {
+        MRUApplications applications = Of({"a", "/1", "b", "/2", "A", "a"});
+        EXPECT_EQ(applications.MoveToTop(text), paths != nullptr) << text;
+        EXPECT_EQ(PathsOf(applications), paths != nullptr ? paths : "/1|/2|a|") << text;
     }
-    for (const std::string& record : bad)
-        EXPECT_EQ(HexAfterLoading<Value>(other, BytesOf(record), true), before) << record;
 }
 
-TEST(Records, OfEveryVersionAreReadAndTheLastIsStored)
+TEST(MruApplications, NamesFillUpToTwentyAndAtLeastOne)
 {
-    ExpectRecords<NextIDMgr>({"0100 04030201", "0000 04030201", "FFFF 04030201"}, {}, "0100 09000000");
-    ExpectRecords<VersionNumber>({"0100 02000000 FFFFFFFF 0D0C0B0A", "7700 02000000 FFFFFFFF 0D0C0B0A"}, {},
-                                 "0100 07000000 08000000 09000000");
-    const std::string protectedTexts =
-        "0100 1000 F5DE3C53D79ADE6197361D6CE25DE335 0000 00 0000 0164 0000 0174";
-    ExpectRecords<ExternalAppRun>(
-        {"0300 026162 00 0164 0174", "0200" + protectedTexts, "0100" + protectedTexts},
-        {"0000 0170 00 0164 0174", "0400 0170 00 0164 0174", "FFFF"}, "0300 0131 0132 0133 0134");
-    const std::string entries = "0000 0161 0000 022F31 0000 0141 0000 0161";
-    ExpectRecords<MRUApplications>({"0400 0200000000000000 0161 022F31 0141 0161",
-                                    "0300 0200000000000000" + entries, "0200 0200000000000000" + entries,
-                                    "0100 02000000" + entries},
-                                   {"0000", "0500 0000000000000000", "0400 0000000100000000 0161 0162"},
-                                   "0400 0100000000000000 0178 0179");
+    const std::string letters = "abcdefghijklmnopqrstuvwxyzABCD";
+    const std::size_t cases[][3] = {{3, 0, 3},   {3, 1, 2},   {3, 2, 1},   {3, 3, 1},   {3, 50, 1}, {0, 0, 0},
+                                    {30, 0, 20}, {30, 7, 13}, {30, 19, 1}, {30, 20, 1}, {20, 0, 20}};
+    for (const auto& [count, before, wanted] : cases) {
+        std::vector<std::string> texts;
+        for (std::size_t i = 0; i < count; ++i)
+            texts.insert(texts.end(), {letters.substr(i, 1), "/"});
+        EXPECT_EQ(NamesOf(Of(texts), before), letters.substr(0, wanted)) << count << " behind " << before;
+    }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // Programs are started by an intermediary that the caller forks and that forks the program in turn. With the
 // intermediary gone, the program is nobody's child, so that it leaves no zombie and the caller's own handling
-// of children never meets it. A pipe that closes when the program begins tells the caller how it went.
+// of children never meets it. The intermediary ends when the program runs or has failed, and the failure then
+// stands in memory that all three share: no pipe, whose ends a fork by another thread could hold open.
 //
 // Between fork and exec only async-signal-safe functions are called: another thread of the caller may have
 // held any lock at that moment.
@@ -11,13 +12,13 @@
 #include <filesystem>
 #include <new>
 #include <string>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
 #include "platform/posix/CommandLine.h"
 #include "platform/posix/Failures.h"
-#include "platform/posix/FileDescriptor.h"
 #include "platform/posix/PosixErrors.h"
 #include "platform/posix/SystemPath.h"
 
@@ -41,27 +42,21 @@ struct Launch {
 
 // ---- in the new processes -------------------------------------------------------------------------------
 
-[[noreturn]] void ReportAndExit(int report, bool isOfFolder) noexcept
+[[noreturn]] void ReportAndExit(Failure& report, bool isOfFolder) noexcept
 {
-    const Failure failure{isOfFolder, errno};
-    [[maybe_unused]] const ssize_t ignored = write(report, &failure, sizeof failure);
+    report = {isOfFolder, errno};
     _exit(1);
 }
 
-// Leaves open the three standard files and the report, and answers where the report is now.
-int KeepOnlyStandardFiles(int report) noexcept
+// The caller may have closed any of the three.
+void KeepOnlyStandardFiles() noexcept
 {
-    if (report != FirstBeyondStandard)
-        dup3(report, FirstBeyondStandard, O_CLOEXEC);
-    closefrom(FirstBeyondStandard + 1);
-    const int nothing = open("/dev/null", O_RDWR); // may take the place of one that the caller has closed
-    dup2(nothing, STDIN_FILENO);
+    closefrom(FirstBeyondStandard);
+    close(STDIN_FILENO);
+    open("/dev/null", O_RDWR); // takes the free place
     for (const int output : {STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(output, F_GETFD) < 0)
-            dup2(nothing, output);
-    if (nothing > FirstBeyondStandard)
-        close(nothing);
-    return FirstBeyondStandard;
+            dup2(STDIN_FILENO, output);
 }
 
 void ResetSignals() noexcept
@@ -75,9 +70,9 @@ void ResetSignals() noexcept
     sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-[[noreturn]] void BecomeProgram(const Launch& launch, int report) noexcept
+[[noreturn]] void BecomeProgram(const Launch& launch, Failure& report) noexcept
 {
-    report = KeepOnlyStandardFiles(report);
+    KeepOnlyStandardFiles();
     ResetSignals();
     if (!launch.folder.empty() && chdir(launch.folder.c_str()) != 0)
         ReportAndExit(report, true);
@@ -85,12 +80,15 @@ void ResetSignals() noexcept
     ReportAndExit(report, false);
 }
 
-[[noreturn]] void Mediate(const Launch& launch, int report) noexcept
+[[noreturn]] void Mediate(const Launch& launch, Failure& report) noexcept
 {
     setsid();
-    const pid_t program = _Fork();
+    report = {};
+    // It waits until the program runs or has failed. What the program does meanwhile to the intermediary's
+    // memory is wanted (the report) or meets nothing that is used again, which the lints cannot know.
+    const pid_t program = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
     if (program == 0)
-        BecomeProgram(launch, report);
+        BecomeProgram(launch, report); // NOLINT(clang-analyzer-unix.Vfork)
     if (program < 0)
         ReportAndExit(report, false);
     _exit(0);
@@ -116,7 +114,7 @@ private:
 };
 
 // _Fork, because it takes no locks and calls nothing that others registered for a fork.
-pid_t ForkIntermediary(const Launch& launch, int report) noexcept
+pid_t ForkIntermediary(const Launch& launch, Failure& report) noexcept
 {
     const BlockedSignals blocked;
     const pid_t intermediary = _Fork();
@@ -125,40 +123,44 @@ pid_t ForkIntermediary(const Launch& launch, int report) noexcept
     return intermediary;
 }
 
-// The caller may have closed its standard files; the pipe must not take their places.
-FileDescriptor BeyondStandard(FileDescriptor file) noexcept
-{
-    return file.Get() >= FirstBeyondStandard
-               ? std::move(file)
-               : FileDescriptor(fcntl(file.Get(), F_DUPFD_CLOEXEC, FirstBeyondStandard));
-}
+// A failure in memory that is shared with the processes forked from here; nullptr without memory.
+class SharedFailure {
+public:
+    SharedFailure() noexcept
+        : m_memory(mmap(nullptr, sizeof(Failure), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
+    {
+    }
+    SharedFailure(const SharedFailure&) = delete;
+    SharedFailure& operator=(const SharedFailure&) = delete;
+    ~SharedFailure()
+    {
+        if (Get() != nullptr)
+            munmap(m_memory, sizeof(Failure));
+    }
 
-Failure AwaitReport(int pipe) noexcept
-{
-    Failure failure = {};
-    ssize_t got = 0;
-    while ((got = read(pipe, &failure, sizeof failure)) < 0 && errno == EINTR)
-        ;
-    return got == sizeof failure ? failure : Failure{};
-}
+    Failure* Get() const noexcept
+    {
+        return m_memory == MAP_FAILED ? nullptr : static_cast<Failure*>(m_memory);
+    }
+
+private:
+    void* m_memory;
+};
 
 Failure Start(const Launch& launch) noexcept
 {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
+    const SharedFailure shared;
+    Failure* const failure = shared.Get();
+    if (failure == nullptr)
         return {false, errno};
-    const FileDescriptor reading = BeyondStandard(FileDescriptor(ends[0]));
-    FileDescriptor writing = BeyondStandard(FileDescriptor(ends[1]));
-    const bool hasPipe = reading.IsOpen() && writing.IsOpen();
-    const pid_t intermediary = hasPipe ? ForkIntermediary(launch, writing.Get()) : -1;
+    *failure = {false, ECHILD}; // should the intermediary come to a violent end
+    const pid_t intermediary = ForkIntermediary(launch, *failure);
     if (intermediary < 0)
         return {false, errno};
-    writing = FileDescriptor();
-    const Failure failure = AwaitReport(reading.Get());
     while (waitpid(intermediary, nullptr, 0) < 0 &&
            errno == EINTR) // another error: somebody else waited for it
         ;
-    return failure;
+    return *failure;
 }
 
 // The path from the root on, so that it holds in every folder.

@@ -98,7 +98,7 @@ void PrintContainerBy(CArchive& archive, bool legacy)
     print();
 }
 template <class Type>
-void PrintContainer(CArchive& archive, Layout layout)
+void PrintContainer(CRewindArchive& archive, Layout layout)
 {
     constexpr auto serialize = [](CArchive& from, Type& to, bool legacy) {
         SerializeData::Serialize(from, to, legacy);
@@ -106,7 +106,7 @@ void PrintContainer(CArchive& archive, Layout layout)
     PrintContainerBy<Type, serialize>(archive, layout.isLegacy);
 }
 template <class Type>
-void PrintMaybeEncrypted(CArchive& archive, Layout layout)
+void PrintMaybeEncrypted(CRewindArchive& archive, Layout layout)
 {
     constexpr auto serialize = [](CArchive& from, Type& to, bool legacy) {
         SerializeData::SerializeEncrypted(from, to, legacy);
@@ -153,14 +153,14 @@ void Print(const ExternalAppRun& app)
 }
 
 template <class Type>
-void PrintRecord(CArchive& archive, Layout)
+void PrintRecord(CRewindArchive& archive, Layout)
 {
     Type value;
     value.Serialize(archive);
     Print(value);
 }
 
-void PrintTextArray(CArchive& archive, Layout layout)
+void PrintTextArray(CRewindArchive& archive, Layout layout)
 {
     TextArray texts;
     texts.Serialize(archive, layout.isEncrypted);
@@ -179,40 +179,47 @@ WORD LoadVersion(CArchive& archive, WORD last)
     return version;
 }
 
+// The library would take one of an unknown version for an empty one, and what follows for anything.
+TextArray LoadTextArray(CRewindArchive& archive, bool encrypted)
+{
+    constexpr WORD LastVersion = 4;
+    TextArray texts;
+    LoadVersion(archive, LastVersion);
+    archive.DoRewindWORD();
+    texts.Serialize(archive, encrypted);
+    return texts;
+}
+
 // A map from a rank to texts.
 template <class Rank>
-void PrintRanked(CArchive& archive, bool legacy, bool encrypted)
+void PrintRanked(CRewindArchive& archive, bool legacy, bool encrypted)
 {
     WORD ignored = 0;
     for (uint64 left = SerializeData::DeserializeLoopCounter(archive, legacy, ignored); left > 0; --left) {
         Rank rank{};
-        TextArray texts;
         archive >> rank;
-        texts.Serialize(archive, encrypted);
-        PrintField("  ", Shown(rank), texts);
+        PrintField("  ", Shown(rank), LoadTextArray(archive, encrypted));
     }
 }
 
-void PrintMRUArray(CArchive& archive, Layout)
+void PrintMRUArray(CRewindArchive& archive, Layout)
 {
     constexpr WORD FirstCurrent = 3;
     constexpr WORD Plain = 4;
     const WORD version = LoadVersion(archive, Plain);
-    TextArray recent;
-    recent.Serialize(archive, version < Plain);
-    PrintField("", "recent", recent);
+    PrintField("", "recent", LoadTextArray(archive, version < Plain));
     Output::Line("popular, by uses:");
     PrintRanked<int>(archive, version < FirstCurrent, version < Plain);
 }
 
-void PrintMRUArrayByTime(CArchive& archive, Layout layout)
+void PrintMRUArrayByTime(CRewindArchive& archive, Layout layout)
 {
     LoadVersion(archive, 1);
     Output::Line("popular, by time:");
     PrintRanked<uint64>(archive, layout.isLegacy, false);
 }
 
-void PrintMRUApplications(CArchive& archive, Layout)
+void PrintMRUApplications(CRewindArchive& archive, Layout)
 {
     constexpr WORD Legacy = 1;
     constexpr WORD Plain = 4;

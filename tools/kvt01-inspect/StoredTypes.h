@@ -14,7 +14,7 @@ struct Layout {
 
 struct StoredType {
     std::string_view name;
-    void (*print)(CArchive& archive, Layout layout); // loads a value and prints it
+    void (*print)(CRewindArchive& archive, Layout layout); // loads a value and prints it
     bool hasLegacy = false;
     bool hasEncrypted = false;
     WORD lastVersion = 0; // where the library loads any later one as nothing at all
