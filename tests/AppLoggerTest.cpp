@@ -252,10 +252,11 @@ TEST_F(AppLoggerTest, SettingsNameTheFolder)
     EXPECT_EQ(AppLogger::m_csLogFile, (folder + "/build/App.log").c_str());
 
     const std::string usual = home.settings.Folder() / "home/.local/state/CorvaneSoftware/Third/Third.log";
+    const std::string far = "/" + std::string(5000, 'x');
     home.settings.Set("HOME", home.settings.Folder() / "home");
     for (const auto& [state, expected] : {std::pair<std::string, std::string>("", usual),
                                           {"relative", usual},
-                                          {"/" + std::string(300, 'x'), ""}}) {
+                                          {far, far + "/CorvaneSoftware/Third/Third.log"}}) {
         LogHome::Forget();
         home.settings.Set("XDG_STATE_HOME", state);
         AppLogger::m_csAppName = "Third";
