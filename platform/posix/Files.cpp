@@ -86,7 +86,7 @@ void MakeLike(const struct stat& model, const OpenedFile& file) noexcept
     const bool isOthers = model.st_uid != file.state.st_uid || model.st_gid != file.state.st_gid;
     if (isOthers && fchown(descriptor, model.st_uid, model.st_gid) != 0 &&
         fchown(descriptor, file.state.st_uid, model.st_gid) != 0)
-        mode &= ~S_IRWXG | (mode & S_IRWXO) << 3;
+        mode &= ~mode_t{S_IRWXG} | (mode & S_IRWXO) << 3;
     if (mode != (file.state.st_mode & Permissions))
         fchmod(descriptor, mode);
 }
