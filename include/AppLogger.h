@@ -13,9 +13,9 @@
 // ---- What is promised -----------------------------------------------------------------------------------
 // A line that AddLine has returned from is in the file, and there it survives the death of the process; a
 // loss of power may take the last ones. The file is replaced as a whole (a new file takes its name), so at
-// every moment it holds the old lines or the new ones; links to it and permissions of its own are not kept.
-// Where the folder allows no new file it is overwritten in place, and a process that dies meanwhile can
-// damage it.
+// every moment it holds the old lines or the new ones. The new file gets the permissions of the old one, and
+// its owner and group as far as this process may give them; a link of its name is replaced by a file. Where
+// the folder allows no new file it is overwritten in place, and a process that dies meanwhile can damage it.
 //
 // When it cannot be written (a full disk, a file that is read-only or kept open by someone who does not share
 // it) nothing is raised, the old file stays as it is, and the lines wait in memory; the next write that
@@ -98,8 +98,8 @@ public:
     // folder is made. Does nothing if the file is read-only.
     static void ForceWrite();
     // The layout of the file (docs/archive-format.md). Loading replaces the list, unless title or version are
-    // others or there is no whole entry; where the data break off, CArchiveException is raised and the
-    // entries before that are the list.
+    // others or there is no whole entry; where the data break off or claim an impossible length,
+    // CArchiveException or std::length_error is raised and the entries before that are the list.
     static void Serialize(CArchive& archive);
 
     // The text of a value of a key below HKEY_CURRENT_USER; empty without one, or above 64 KB.

@@ -22,6 +22,13 @@ constinit NeverDestroyed<CString> logFilePath;
 struct Log {
     Log() { InitializeCriticalSection(&section); }
 
+    // What is in the file is read from there again by whoever goes on with it.
+    void LeaveFile()
+    {
+        entries.DropWritten();
+        file.Forget();
+    }
+
     CRITICAL_SECTION section;
     LogEntries entries;
     LogFile file;
@@ -79,12 +86,6 @@ CString TextOf(const LogEntry& entry)
     return when + "\t" + entry.marker + "\t" + entry.text;
 }
 
-bool IsReadOnly(const CString& path)
-{
-    const DWORD attributes = GetFileAttributesA(path);
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
-}
-
 } // namespace
 
 constinit AppLogger* AppLogger::m_pInstance = nullptr;
@@ -99,7 +100,7 @@ void AppLogger::SetAppName(const CString& appName)
 {
     const Locked log;
     if (appName != m_csAppName) {
-        log->entries.DropWritten();
+        log->LeaveFile();
         m_csLogFile.Empty();
     }
     m_csAppName = appName;
@@ -151,8 +152,7 @@ void AppLogger::DeleteInstance()
         FailureMarkers::SetSink(nullptr);
     delete std::exchange(m_pInstance, nullptr);
     m_bCheckedRegistry = false;
-    log->entries.DropWritten();
-    log->file.Forget();
+    log->LeaveFile();
 }
 
 // ---- lines ----------------------------------------------------------------------------------------------
@@ -209,8 +209,7 @@ void AppLogger::ForceWrite()
     try {
         if (!HaveLogFile() && !SetLogFile())
             return;
-        if (IsReadOnly(m_csLogFile))
-            return;
+        log->entries.TrimTo(m_nMaxLogEntries); // also what has just been read
         log->file.Write(m_csLogFile, m_csAppName, m_nMaxLogEntries, log->entries);
     } catch (...) { // the lines stay in memory
     }
@@ -227,7 +226,7 @@ void AppLogger::Serialize(CArchive& archive)
     try {
         if (LogRecord::Load(archive, loaded))
             log->entries = std::move(loaded);
-    } catch (const CArchiveException&) {
+    } catch (...) {
         if (loaded.GetCount() > 0)
             log->entries = std::move(loaded);
         throw;

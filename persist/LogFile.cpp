@@ -68,11 +68,14 @@ public:
             DeleteFileA(m_path);
     }
 
-    bool OpenAs(const CString& path)
+    bool OpenAs(const CString& path, const SharedFile* model)
     {
         m_path = path;
         // Sharing of deletion lets it be renamed before it is closed, which is when the next writer may come.
-        return OpenShared(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, CREATE_ALWAYS);
+        constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_DELETE;
+        return OpenShared(path, GENERIC_WRITE, share, CREATE_NEW, model) ||
+               (GetLastError() == ERROR_FILE_EXISTS &&
+                OpenShared(path, GENERIC_WRITE, share, CREATE_ALWAYS, model));
     }
     const CString& Path() const { return m_path; }
 
@@ -126,19 +129,28 @@ bool LogFile::IsKnown(const CString& path) const
            file.Identity() == m_knownAs;
 }
 
-void LogFile::Remember(const CString& path)
+bool LogFile::LooksKnown(const WIN32_FILE_ATTRIBUTE_DATA& facts) const
+{
+    return m_known != nullptr && facts.nFileSizeLow == m_knownAs.sizeLow &&
+           facts.nFileSizeHigh == m_knownAs.sizeHigh &&
+           facts.ftLastWriteTime.dwLowDateTime == m_knownAs.writtenLow &&
+           facts.ftLastWriteTime.dwHighDateTime == m_knownAs.writtenHigh;
+}
+
+void LogFile::Remember(const CString& path, Content content)
 {
     auto file = std::make_unique<SharedFile>();
     const bool isOpen = file->OpenShared(path, SharedFile::OnlyToAsk, SharedFile::ShareAll, OPEN_EXISTING);
     const auto identity = isOpen ? file->Identity() : std::nullopt;
     m_known = identity ? std::move(file) : nullptr;
     m_knownAs = identity.value_or(FileIdentity());
+    m_knownContent = content;
 }
 
 LogFile::Content LogFile::TakeUp(const CString& path, LogEntries& entries)
 {
     if (IsKnown(path))
-        return Content::Complete;
+        return m_knownContent;
     SharedFile file;
     const auto open = [&] {
         return file.OpenShared(path, GENERIC_READ, SharedFile::ShareAll, OPEN_EXISTING);
@@ -156,9 +168,7 @@ LogFile::Content LogFile::TakeUpFrom(SharedFile& file, const CString& path, LogE
     if (content == Content::Unreadable)
         return content;
     entries = LogMerge::Merged(inFile, entries);
-    if (content != Content::Complete)
-        return content;
-    Remember(path);
+    Remember(path, content);
     if (file.Identity() != m_knownAs) // another one has its name already
         Forget();
     return content;
@@ -178,8 +188,14 @@ void LogFile::Read(const CString& path, LogEntries& entries)
 
 bool LogFile::Write(const CString& path, const CString& application, uint64 mostEntries, LogEntries& entries)
 {
+    WIN32_FILE_ATTRIBUTE_DATA facts;
+    const bool isThere = GetFileAttributesExA(path, GetFileExInfoStandard, &facts);
+    if (isThere && (facts.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0)
+        return false;
+    if (isThere && !LooksKnown(facts))
+        TakeUp(path, entries); // so that the new file becomes like this one
     NewFile fresh;
-    const auto open = [&] { return fresh.OpenAs(path + ".new"); };
+    const auto open = [&] { return fresh.OpenAs(path + ".new", m_known.get()); };
     bool isOpen = Retry(open, WaitForWriters);
     if (!isOpen && GetLastError() == ERROR_PATH_NOT_FOUND) {
         MakeFolders(path);
@@ -187,7 +203,7 @@ bool LogFile::Write(const CString& path, const CString& application, uint64 most
     }
     const bool isPassingBy = !isOpen && GetLastError() == ERROR_SHARING_VIOLATION;
     if (isPassingBy)
-        isOpen = fresh.OpenAs(path + ".new2");
+        isOpen = fresh.OpenAs(path + ".new2", m_known.get());
     bool isWritten = isOpen && Replace(fresh, path, application, mostEntries, entries);
     if (!isWritten && GetLastError() == ERROR_ACCESS_DENIED)
         isWritten = Overwrite(path, application, mostEntries, entries);
@@ -205,7 +221,7 @@ bool LogFile::Replace(NewFile& fresh, const CString& path, const CString& applic
     Store(fresh, application, entries);
     if (content == Content::Damaged && !MoveAside(path))
         return false;
-    Remember(fresh.Path());
+    Remember(fresh.Path(), Content::Complete);
     const auto move = [&] { return MoveFileExA(fresh.Path(), path, MOVEFILE_REPLACE_EXISTING); };
     if (!Retry(move, WaitForReaders)) {
         Forget();
@@ -249,11 +265,12 @@ bool LogFile::Overwrite(const CString& path, const CString& application, uint64 
     const auto open = [&] { return file.OpenShared(path, GENERIC_READ | GENERIC_WRITE, 0, OPEN_EXISTING); };
     if (!Retry(open, WaitForReaders))
         return false;
-    if (!IsKnown(path) && TakeUpFrom(file, path, entries) != Content::Complete)
+    const Content content = IsKnown(path) ? m_knownContent : TakeUpFrom(file, path, entries);
+    if (content != Content::Complete)
         return false;
     entries.TrimTo(mostEntries);
     PutInPlace(file, BytesOf(application, entries));
-    Remember(path);
+    Forget(); // at this moment another one could overwrite it with as many bytes
     entries.MarkWritten();
     return true;
 }

@@ -72,11 +72,21 @@ CString ChosenFolder(const CString& application)
     return ofBuild.IsEmpty() ? LogSettings::Value(key, "SettingsPath") : ofBuild;
 }
 
+struct FreeTaskMemory {
+    void operator()(void* memory) const { CoTaskMemFree(memory); }
+};
+
 CString UsualFolder(const CString& fileName)
 {
-    char base[MAX_PATH];
-    if (SHGetFolderPathA(nullptr, CSIDL_LOCAL_APPDATA, nullptr, 0, base) != S_OK)
+    WCHAR* wide = nullptr;
+    const bool isKnown = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &wide) == S_OK;
+    const std::unique_ptr<WCHAR, FreeTaskMemory> owner(wide);
+    if (!isKnown)
         return CString();
+    CString base;
+    const int size = WideCharToMultiByte(CP_ACP, 0, wide, -1, nullptr, 0, nullptr, nullptr);
+    WideCharToMultiByte(CP_ACP, 0, wide, -1, base.GetBuffer(size), size, nullptr, nullptr);
+    base.ReleaseBuffer();
     return WithSeparator(base) + Company + "/" + fileName;
 }
 

@@ -20,12 +20,13 @@ public:
     static constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     static constexpr DWORD OnlyToAsk = 0; // the access that disturbs nobody
 
-    // False with the reason in GetLastError.
-    bool OpenShared(const CString& path, DWORD access, DWORD share, DWORD disposition)
+    // False with the reason in GetLastError. A file that is made is like the model, where there is one.
+    bool OpenShared(const CString& path, DWORD access, DWORD share, DWORD disposition,
+                    const SharedFile* model = nullptr)
     {
         Abort();
-        const HANDLE handle =
-            CreateFileA(path, access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+        const HANDLE handle = CreateFileA(path, access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
+                                          model != nullptr ? model->m_hFile : nullptr);
         if (handle == INVALID_HANDLE_VALUE)
             return false;
         m_hFile = handle;

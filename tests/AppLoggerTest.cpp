@@ -174,12 +174,18 @@ TEST_F(AppLoggerTest, SettingsNameTheFolder)
     AppLogger::EnableLogging(true); // which finds the folder anew
     EXPECT_EQ(AppLogger::m_csLogFile, (folder + "/build/App.log").c_str());
 
-    LogHome::Forget();
-    home.settings.Set("HOME", "/home/x");
-    home.settings.Set("XDG_STATE_HOME", "relative");
-    AppLogger::m_csAppName = "Third";
-    EXPECT_TRUE(AppLogger::SetLogFile());
-    EXPECT_EQ(AppLogger::m_csLogFile, "/home/x/.local/state/CorvaneSoftware/Third/Third.log");
+    const std::string usual = home.settings.Folder() / "home/.local/state/CorvaneSoftware/Third/Third.log";
+    const std::string far = "/" + std::string(5000, 'x');
+    home.settings.Set("HOME", home.settings.Folder() / "home");
+    for (const auto& [state, expected] : {std::pair<std::string, std::string>("", usual),
+                                          {"relative", usual},
+                                          {far, far + "/CorvaneSoftware/Third/Third.log"}}) {
+        LogHome::Forget();
+        home.settings.Set("XDG_STATE_HOME", state);
+        AppLogger::m_csAppName = "Third";
+        EXPECT_TRUE(AppLogger::SetLogFile());
+        EXPECT_EQ(AppLogger::m_csLogFile, expected.c_str());
+    }
 }
 
 } // namespace

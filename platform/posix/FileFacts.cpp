@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 namespace {
 
@@ -52,6 +53,9 @@ std::optional<FileFacts> FactsOf(int folder, const char* name, std::string_view 
     facts.created = ToFileTime((found.stx_mask & STATX_BTIME) != 0 ? found.stx_btime : found.stx_mtime);
     facts.accessed = ToFileTime(found.stx_atime);
     facts.written = ToFileTime(found.stx_mtime);
+    facts.volume = makedev(found.stx_dev_major, found.stx_dev_minor);
+    facts.index = found.stx_ino;
+    facts.links = found.stx_nlink;
     return facts;
 }
 

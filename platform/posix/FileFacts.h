@@ -12,6 +12,9 @@ struct FileFacts {
     FILETIME created = {};
     FILETIME accessed = {};
     FILETIME written = {};
+    uint64 volume = 0;
+    uint64 index = 0; // on the volume
+    DWORD links = 0;
 
     bool IsFolder() const noexcept { return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
     bool IsReadOnly() const noexcept { return (attributes & FILE_ATTRIBUTE_READONLY) != 0; }

@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <sys/stat.h>
 
 #include "platform/posix/Failures.h"
 #include "platform/posix/FileFacts.h"
@@ -11,16 +10,13 @@ BOOL GetFileInformationByHandle(HANDLE handle, BY_HANDLE_FILE_INFORMATION* infor
     if (OpenFiles::RightsOf(handle) == OpenFiles::None)
         return Fail(ERROR_INVALID_HANDLE);
     const int descriptor = OpenFiles::DescriptorOf(handle);
-    struct stat state = {};
     const auto facts = FactsOf(descriptor, "");
-    if (!facts || fstat(descriptor, &state) != 0)
+    if (!facts)
         return Fail(ErrorForErrno(errno));
     facts->CopyTo(*information);
-    const uint64 volume = state.st_dev;
-    const uint64 index = state.st_ino;
-    information->dwVolumeSerialNumber = static_cast<DWORD>(volume ^ volume >> 32);
-    information->nNumberOfLinks = static_cast<DWORD>(state.st_nlink);
-    information->nFileIndexHigh = static_cast<DWORD>(index >> 32);
-    information->nFileIndexLow = static_cast<DWORD>(index);
+    information->dwVolumeSerialNumber = static_cast<DWORD>(facts->volume ^ facts->volume >> 32);
+    information->nNumberOfLinks = facts->links;
+    information->nFileIndexHigh = static_cast<DWORD>(facts->index >> 32);
+    information->nFileIndexLow = static_cast<DWORD>(facts->index);
     return TRUE;
 }

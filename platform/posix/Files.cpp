@@ -25,6 +25,8 @@ struct OpenRequest {
     DWORD share;
     DWORD disposition;
     DWORD attributes;
+    bool hasModel;
+    struct stat model; // what a new file is to be like
 
     bool Truncates() const noexcept
     {
@@ -66,11 +68,27 @@ FileDescriptor OpenExisting(const SystemPath& path, const OpenRequest& request) 
     return file;
 }
 
+constexpr mode_t Permissions = 0777;
+
 // With errno EEXIST if there is something of that name.
 FileDescriptor MakeNew(const SystemPath& path, const OpenRequest& request) noexcept
 {
-    const mode_t mode = (request.attributes & FILE_ATTRIBUTE_READONLY) != 0 ? 0444 : 0666;
+    const bool isReadOnly = (request.attributes & FILE_ATTRIBUTE_READONLY) != 0;
+    const mode_t mode = request.hasModel ? request.model.st_mode & Permissions : isReadOnly ? 0444 : 0666;
     return OpenPath(path, O_RDWR | O_CREAT | O_EXCL, mode);
+}
+
+// Where the group cannot be kept, the one that the file has instead may do no more than everybody.
+void MakeLike(const struct stat& model, const OpenedFile& file) noexcept
+{
+    const int descriptor = file.descriptor.Get();
+    mode_t mode = model.st_mode & Permissions;
+    const bool isOthers = model.st_uid != file.state.st_uid || model.st_gid != file.state.st_gid;
+    if (isOthers && fchown(descriptor, model.st_uid, model.st_gid) != 0 &&
+        fchown(descriptor, file.state.st_uid, model.st_gid) != 0)
+        mode &= ~mode_t{S_IRWXG} | (mode & S_IRWXO) << 3;
+    if (mode != (file.state.st_mode & Permissions))
+        fchmod(descriptor, mode);
 }
 
 FileDescriptor OpenOrMake(const SystemPath& path, const OpenRequest& request, bool& existed) noexcept
@@ -112,12 +130,15 @@ DWORD CheckKind(const OpenedFile& file, const OpenRequest& request) noexcept
 }
 
 // A handle that asks for no access takes no part, nor does what is no regular file.
+bool TakesPartInSharing(const OpenedFile& file, const OpenRequest& request) noexcept
+{
+    return (request.Reads() || request.Changes()) && S_ISREG(file.state.st_mode);
+}
+
 DWORD CheckSharing(const OpenedFile& file, const OpenRequest& request) noexcept
 {
     const unsigned uses =
         (request.Reads() ? ShareLocks::Reads : 0U) | (request.Changes() ? ShareLocks::Writes : 0U);
-    if (uses == 0 || !S_ISREG(file.state.st_mode))
-        return ERROR_SUCCESS;
     const unsigned denies = ((request.share & FILE_SHARE_READ) != 0 ? 0U : ShareLocks::Reads) |
                             ((request.share & FILE_SHARE_WRITE) != 0 ? 0U : ShareLocks::Writes) |
                             ((request.share & FILE_SHARE_DELETE) != 0 ? 0U : ShareLocks::Deletes);
@@ -143,6 +164,8 @@ DWORD OpenShared(const SystemPath& path, const OpenRequest& request, OpenedFile&
             return ErrorForErrno(errno);
         if (const DWORD error = CheckKind(file, request); error != ERROR_SUCCESS)
             return error;
+        if (!TakesPartInSharing(file, request))
+            return ERROR_SUCCESS;
         if (const DWORD error = CheckSharing(file, request); error != ERROR_SUCCESS)
             return error;
         if (IsStillNamed(path, file) || attempt == attempts)
@@ -158,6 +181,8 @@ DWORD Finish(OpenedFile& file, const OpenRequest& request, HANDLE& handle) noexc
         fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK);
     if (isRegular && file.existed && request.Truncates() && ftruncate(descriptor, 0) != 0)
         return ErrorForErrno(errno);
+    if (isRegular && (!file.existed || request.Truncates()) && request.hasModel)
+        MakeLike(request.model, file);
     handle = OpenFiles::Add(descriptor, (request.Reads() ? OpenFiles::Read : 0U) |
                                             (request.Writes() ? OpenFiles::Write : 0U) |
                                             (isRegular ? OpenFiles::Regular : 0U));
@@ -230,9 +255,11 @@ int64 StartOf(HANDLE handle, DWORD method) noexcept
 } // namespace
 
 HANDLE CreateFileA(const char* path, DWORD access, DWORD share, void*, DWORD disposition, DWORD attributes,
-                   HANDLE) noexcept
+                   HANDLE model) noexcept
 {
-    const OpenRequest request = {access, share, disposition, attributes};
+    OpenRequest request = {access, share, disposition, attributes, false, {}};
+    request.hasModel = OpenFiles::RightsOf(model) != OpenFiles::None &&
+                       fstat(OpenFiles::DescriptorOf(model), &request.model) == 0;
     const SystemPath name(path);
     OpenedFile file;
     HANDLE handle = INVALID_HANDLE_VALUE;

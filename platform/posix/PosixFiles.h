@@ -47,6 +47,9 @@ inline constexpr DWORD FILE_END = 2;
 // FILE_FLAG_BACKUP_SEMANTICS counts, with which OPEN_EXISTING opens folders. TRUNCATE_EXISTING without
 // GENERIC_WRITE is error 87.
 //
+// With a model, the handle of an open file, a file that is made or emptied gets the permissions of that one,
+// its owner and its group, as far as this process may give them; before there is anything in it.
+//
 // Share modes hold between all handles made here, in this process and in others, by advisory locks that end
 // with their process (and with what it forked that still has the file open); programs that do not ask for
 // them are not kept out. A handle without any access takes no part, nor one that may write a file it may not

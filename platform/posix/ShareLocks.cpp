@@ -1,42 +1,60 @@
 #include "platform/posix/ShareLocks.h"
 
+#include <bit>
 #include <cerrno>
 #include <ctime>
 #include <fcntl.h>
 #include <limits>
 #include <unistd.h>
 
+using namespace ShareLocks;
+
 namespace {
 
-// The bytes from here on: one per use in the order of the enumeration, then one per denial.
+// The bytes from here on: one per use in the order of the enumeration, then one per denial in the opposite
+// order, so that what is used and denied together lies side by side and takes one system call.
 constexpr off_t FirstByte = std::numeric_limits<off_t>::max() - 255;
 constexpr int UseCount = 3;
 constexpr int Attempts = 15;
 
-struct flock LockOf(short type, int byte) noexcept
+struct flock LockOf(short type, int firstByte, int count) noexcept
 {
     struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
-    lock.l_start = FirstByte + byte;
-    lock.l_len = 1;
+    lock.l_start = FirstByte + firstByte;
+    lock.l_len = count;
     return lock;
 }
 
 // Bit for bit, the bytes that stand for some uses and denials.
 unsigned BytesFor(unsigned uses, unsigned denies) noexcept
 {
-    return uses | denies << UseCount;
+    const unsigned mirrored = (denies & Deletes) << 2 | (denies & Reads) | (denies & Writes) >> 2;
+    return uses | mirrored << UseCount;
+}
+
+// Whether visit(first, count) is true for one of the runs of bytes.
+template <class Visit>
+bool AnyRun(unsigned bytes, Visit visit) noexcept
+{
+    int first = 0;
+    while (bytes >> first != 0) {
+        first += std::countr_zero(bytes >> first);
+        const int count = std::countr_one(bytes >> first);
+        if (visit(first, count))
+            return true;
+        first += count;
+    }
+    return false;
 }
 
 bool IsAnyHeldByOthers(int descriptor, unsigned bytes) noexcept
 {
-    for (int byte = 0; byte < 2 * UseCount; ++byte) {
-        struct flock lock = LockOf(F_WRLCK, byte);
-        if ((bytes >> byte & 1) != 0 && fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK)
-            return true;
-    }
-    return false;
+    return AnyRun(bytes, [descriptor](int first, int count) {
+        struct flock lock = LockOf(F_WRLCK, first, count);
+        return fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    });
 }
 
 bool IsRefusal(int posixError) noexcept
@@ -46,18 +64,15 @@ bool IsRefusal(int posixError) noexcept
 
 bool Announce(int descriptor, unsigned bytes) noexcept
 {
-    for (int byte = 0; byte < 2 * UseCount; ++byte) {
-        struct flock lock = LockOf(F_RDLCK, byte);
-        if ((bytes >> byte & 1) != 0 && fcntl(descriptor, F_OFD_SETLK, &lock) != 0 && IsRefusal(errno))
-            return false;
-    }
-    return true;
+    return !AnyRun(bytes, [descriptor](int first, int count) {
+        struct flock lock = LockOf(F_RDLCK, first, count);
+        return fcntl(descriptor, F_OFD_SETLK, &lock) != 0 && IsRefusal(errno);
+    });
 }
 
 void Withdraw(int descriptor) noexcept
 {
-    struct flock lock = LockOf(F_UNLCK, 0);
-    lock.l_len = 2 * UseCount;
+    struct flock lock = LockOf(F_UNLCK, 0, 2 * UseCount);
     fcntl(descriptor, F_OFD_SETLK, &lock);
 }
 

@@ -12,7 +12,7 @@
 
 namespace ShareLocks {
 
-enum Use : unsigned { Reads = 1, Writes = 2, Deletes = 4 };
+enum Use : unsigned { Deletes = 1, Reads = 2, Writes = 4 };
 
 // Whether a handle with these uses, which denies those to all others, may go with the ones that are open. If
 // so, its locks are kept until the descriptor is closed. No two handles that exclude each other are ever both

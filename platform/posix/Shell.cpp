@@ -1,7 +1,7 @@
-#include <cstdio>
-#include <cstdlib>
+#include "platform/posix/PosixShell.h"
 
-#include "platform/posix/PosixPlatform.h"
+#include <cstdlib>
+#include <string_view>
 
 namespace {
 
@@ -11,21 +11,33 @@ const char* AbsolutePathIn(const char* variable) noexcept
     return path != nullptr && path[0] == '/' ? path : nullptr;
 }
 
+int PutWide(std::string_view text, WCHAR* room) noexcept
+{
+    const auto length = static_cast<int>(text.size());
+    return MultiByteToWideChar(CP_ACP, 0, text.data(), length, room, length);
+}
+
 } // namespace
 
-HRESULT SHGetFolderPathA(HANDLE, int folder, HANDLE, DWORD, char* path) noexcept
+HRESULT SHGetKnownFolderPath(const KNOWNFOLDERID&, DWORD, HANDLE, WCHAR** path) noexcept
 {
-    path[0] = '\0';
-    if (folder != CSIDL_LOCAL_APPDATA)
-        return E_INVALIDARG;
+    *path = nullptr;
     const char* const state = AbsolutePathIn("XDG_STATE_HOME");
-    const char* const home = AbsolutePathIn("HOME");
-    if (state == nullptr && home == nullptr)
+    const char* const base = state != nullptr ? state : AbsolutePathIn("HOME");
+    if (base == nullptr)
         return E_FAIL;
-    const int length = state != nullptr ? std::snprintf(path, MAX_PATH, "%s", state)
-                                        : std::snprintf(path, MAX_PATH, "%s/.local/state", home);
-    if (length < MAX_PATH)
-        return S_OK;
-    path[0] = '\0';
-    return E_FAIL;
+    const std::string_view front(base);
+    const std::string_view back(state != nullptr ? "" : "/.local/state");
+    auto* const wide = static_cast<WCHAR*>(std::malloc((front.size() + back.size() + 1) * sizeof(WCHAR)));
+    if (wide == nullptr)
+        return E_OUTOFMEMORY;
+    WCHAR* const middle = wide + PutWide(front, wide);
+    middle[PutWide(back, middle)] = 0;
+    *path = wide;
+    return S_OK;
+}
+
+void CoTaskMemFree(void* memory) noexcept
+{
+    std::free(memory);
 }

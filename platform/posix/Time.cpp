@@ -88,10 +88,7 @@ BOOL InvalidParameter()
 
 } // namespace
 
-void _tzset() noexcept
-{
-    tzset();
-}
+void _tzset() noexcept {} // every conversion here looks at the zone itself
 
 int64 _time64(int64* result) noexcept
 {
