@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "CFileFind.h"
+#include "platform/Platform.h"
 #include "support/TemporaryFolder.h"
 
 namespace {

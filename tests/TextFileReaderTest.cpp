@@ -86,13 +86,13 @@ Units DecodeUtf8(const Units& bytes)
 
 std::string Narrow(const Units& codes)
 {
-    std::u16string wide;
+    std::basic_string<WCHAR> wide;
     for (const unsigned int code : codes)
         if (code > 0xFFFF) {
-            wide += static_cast<char16_t>(0xD800 + (code - 0x10000) / 0x400);
-            wide += static_cast<char16_t>(0xDC00 + code % 0x400);
+            wide += static_cast<WCHAR>(0xD800 + (code - 0x10000) / 0x400);
+            wide += static_cast<WCHAR>(0xDC00 + code % 0x400);
         } else {
-            wide += static_cast<char16_t>(code);
+            wide += static_cast<WCHAR>(code);
         }
     std::string narrow(wide.size(), '#');
     if (!wide.empty())
