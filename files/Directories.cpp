@@ -12,10 +12,9 @@ bool DirUtils::CreateDirectory(const CString& dirPath)
     for (std::size_t end = 0; end < path.size();) {
         end = std::min(path.find_first_of("\\/", end + 1), path.size());
         const CString parent(path.substr(0, end));
-        // Somebody else may make it at the same time.
-        if (!NamesOnDisk::IsFolder(parent) && !CreateDirectoryA(parent, nullptr) &&
-            !NamesOnDisk::IsFolder(parent))
-            return false;
+        // A failure tells nothing: somebody else may make it now, and a server's name is no folder to make.
+        if (!NamesOnDisk::IsFolder(parent))
+            ::CreateDirectoryA(parent, nullptr);
     }
     return NamesOnDisk::IsFolder(dirPath);
 }

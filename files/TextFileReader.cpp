@@ -137,8 +137,8 @@ int TextFileReader::ReadRawLine(std::string_view& raw)
 // ---- from the raw line to the caller's ------------------------------------------------------------------
 
 // Empty when the system does not convert it.
-static CString NarrowBySystem(std::u16string_view wide, unsigned int codePage, const char* defaultChar,
-                              int* usedDefault)
+static CString NarrowBySystem(std::basic_string_view<WCHAR> wide, unsigned int codePage,
+                              const char* defaultChar, int* usedDefault)
 {
     const auto convert = [&](char* narrow, int size) {
         return WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), narrow, size,
@@ -155,7 +155,7 @@ static CString NarrowBySystem(std::u16string_view wide, unsigned int codePage, c
     return narrow;
 }
 
-int TextFileReader::Convert(std::u16string_view wide, CString& line, unsigned int codePage,
+int TextFileReader::Convert(std::basic_string_view<WCHAR> wide, CString& line, unsigned int codePage,
                             const char* defaultChar, int* usedDefault)
 {
     int isDefaultUsed = FALSE;

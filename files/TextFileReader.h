@@ -62,13 +62,13 @@ protected:
             *usedDefault = FALSE;
         return LineDelivered;
     }
-    static int Convert(std::u16string_view wide, CString& line, unsigned int codePage,
+    static int Convert(std::basic_string_view<WCHAR> wide, CString& line, unsigned int codePage,
                        const char* defaultChar, int* usedDefault);
     // The whole of ReadLine for 16-bit units.
     int ReadWideLine(std::endian byteOrder, CString& line, unsigned int codePage, const char* defaultChar,
                      int* usedDefault);
 
-    std::u16string m_wide; // the line in UTF-16; its room is used again
+    std::basic_string<WCHAR> m_wide; // the line in UTF-16; its room is used again
 
 private:
     int Fill();

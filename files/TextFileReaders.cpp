@@ -120,7 +120,7 @@ char16_t UTF16BE_TextFileReader::UnitAt(const char* bytes) const
 }
 
 // False when there is more than ASCII; `to` then holds nothing of use.
-static bool CopyAscii(std::u16string_view wide, char* to)
+static bool CopyAscii(std::basic_string_view<WCHAR> wide, char* to)
 {
     char16_t all = 0;
     for (std::size_t i = 0; i < wide.size(); ++i) { // without a way out on the way: so many are taken at once

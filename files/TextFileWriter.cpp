@@ -108,7 +108,7 @@ int UTF8_TextFileWriter::WriteText(const char* text, int length, unsigned int)
 // ---- 16-bit units ---------------------------------------------------------------------------------------
 
 // False when the system does not convert the text.
-static bool Widen(std::string_view text, unsigned int codePage, std::u16string& wide)
+static bool Widen(std::string_view text, unsigned int codePage, std::basic_string<WCHAR>& wide)
 {
     wide.resize(text.size()); // no page makes more units than there are bytes
     if (AsciiText::IsKeptBy(codePage) && AsciiText::Is(text)) {
@@ -127,9 +127,9 @@ int TextFileWriter::WriteWide(std::endian byteOrder, std::string_view text, unsi
     if (m_hasFailed || text.empty())
         return m_hasFailed ? WriteError : Written;
     if (byteOrder != std::endian::native)
-        for (char16_t& unit : m_wide)
-            unit = static_cast<char16_t>(unit << 8 | unit >> 8);
-    return Put({reinterpret_cast<const char*>(m_wide.data()), m_wide.size() * sizeof(char16_t)});
+        for (WCHAR& unit : m_wide)
+            unit = static_cast<WCHAR>(unit << 8 | unit >> 8);
+    return Put({reinterpret_cast<const char*>(m_wide.data()), m_wide.size() * sizeof(WCHAR)});
 }
 
 std::string_view UTF16LE_TextFileWriter::Mark() const

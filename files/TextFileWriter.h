@@ -66,7 +66,7 @@ private:
     std::unique_ptr<char[]> m_buffer;
     std::size_t m_used = 0;
     bool m_hasFailed = false;
-    std::u16string m_wide; // a run in UTF-16; its room is used again
+    std::basic_string<WCHAR> m_wide; // a run in UTF-16; its room is used again
 };
 
 // The bytes as they are, whatever the code page.

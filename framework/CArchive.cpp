@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "CFile.h"
+#include "CRewindArchive.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -71,6 +72,8 @@ CArchive::~CArchive()
     }
     LetGo();
 }
+
+CRewindArchive::~CRewindArchive() = default; // here, so that the library holds what is virtual in the class
 
 void CArchive::Close()
 {

@@ -35,7 +35,7 @@ bool CFileFind::FindNextFile()
     if (m_search == nullptr || !m_search->hasNext)
         return false;
     m_search->current = m_search->next;
-    m_search->hasNext = FindNextFileA(m_search->handle, &m_search->next) != FALSE;
+    m_search->hasNext = ::FindNextFileA(m_search->handle, &m_search->next) != FALSE;
     return m_search->hasNext;
 }
 

@@ -18,6 +18,12 @@
 
 #include <memory>
 
+// Headers of the operating system may have made macros of these names; below they are the plain names.
+#pragma push_macro("FindNextFile")
+#pragma push_macro("GetFileTitle")
+#undef FindNextFile
+#undef GetFileTitle
+
 class KVT01_API CFileFind {
 public:
     CFileFind();
@@ -43,9 +49,31 @@ public:
     bool IsReadOnly() const;
     bool IsHidden() const;
 
+#ifdef _WIN32 // what such macros make of a caller's FindNextFile and GetFileTitle: the same operations
+    bool FindNextFileA()
+    {
+        return FindNextFile();
+    }
+    bool FindNextFileW()
+    {
+        return FindNextFile();
+    }
+    CString GetFileTitleA() const
+    {
+        return GetFileTitle();
+    }
+    CString GetFileTitleW() const
+    {
+        return GetFileTitle();
+    }
+#endif
+
 private:
     struct Search;
     bool Has(DWORD attribute) const;
 
     std::unique_ptr<Search> m_search;
 };
+
+#pragma pop_macro("GetFileTitle")
+#pragma pop_macro("FindNextFile")

@@ -10,6 +10,7 @@
 class KVT01_API CRewindArchive : public CArchive {
 public:
     using CArchive::CArchive;
+    ~CRewindArchive() override;
 
     void DoRewindWORD() { RewindRead(sizeof(WORD)); }
     void DoRewindInt() { RewindRead(sizeof(int)); }

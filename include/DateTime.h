@@ -204,7 +204,7 @@ private:
     Date ReadDate() const noexcept { return IsValidDate() ? DateOf(m_nDay) : Date(); }
     int DateRank() const noexcept { return IsValidDate() ? m_nDay : 0; }
     int TimeRank() const noexcept { return IsValidTime() ? m_nSecond + 1 : 0; }
-    static bool IsBefore(const DateTime& a, const DateTime& b) noexcept;
+    static inline bool IsBefore(const DateTime& a, const DateTime& b) noexcept;
     static int LoweredDay(int year, int month, int day) noexcept;
     static bool MoveMonths(Date& date, int n) noexcept;
 

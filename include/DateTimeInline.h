@@ -188,14 +188,6 @@ inline int DateTime::GetDayOfWeek() const noexcept
     return WeekdayByRule(ReadDate());
 }
 
-inline void DateTime::AddMonths(int n) noexcept
-{
-    Date date = ReadDate();
-    if (n == 0 || !MoveMonths(date, n))
-        return;
-    m_nDay = NumberOf(date.year, date.month, LoweredDay(date.year, date.month, date.day));
-}
-
 // False for a missing date and when the year would leave its range.
 inline bool DateTime::MoveMonths(Date& date, int n) noexcept
 {
@@ -208,4 +200,12 @@ inline bool DateTime::MoveMonths(Date& date, int n) noexcept
     date.year = static_cast<int>(sinceYear0 / MonthsPerYear);
     date.month = static_cast<int>(sinceYear0 % MonthsPerYear) + 1;
     return true;
+}
+
+inline void DateTime::AddMonths(int n) noexcept
+{
+    Date date = ReadDate();
+    if (n == 0 || !MoveMonths(date, n))
+        return;
+    m_nDay = NumberOf(date.year, date.month, LoweredDay(date.year, date.month, date.day));
 }

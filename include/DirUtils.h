@@ -10,6 +10,10 @@
 
 class TextArray;
 
+// Headers of the operating system may have made a macro of this name; below it is the plain name.
+#pragma push_macro("CreateDirectory")
+#undef CreateDirectory
+
 class KVT01_API DirUtils {
 public:
     // ---- taking apart -----------------------------------------------------------------------------------
@@ -57,9 +61,21 @@ public:
     // Makes the folder and those on the way to it; true also when it is there already. On failure, folders
     // that were made on the way stay.
     static bool CreateDirectory(const CString& dirPath);
+#ifdef _WIN32 // what such a macro makes of a caller's CreateDirectory: the same operation
+    static bool CreateDirectoryA(const CString& dirPath)
+    {
+        return CreateDirectory(dirPath);
+    }
+    static bool CreateDirectoryW(const CString& dirPath)
+    {
+        return CreateDirectory(dirPath);
+    }
+#endif
     // Clears the folder's read-only attribute (a folder is read-only when its owner may not write it, whoever
     // asks, so also for a superuser), and says whether files can be made in it then: false for what is no
     // folder, for another's folder without the right to write there, and on a file system that is mounted
     // read-only.
     static bool EnsureDirIsWritable(const CString& dirPath);
 };
+
+#pragma pop_macro("CreateDirectory")

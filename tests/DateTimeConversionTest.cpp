@@ -7,6 +7,7 @@
 #include "COleDateTime.h"
 #include "DateTime.h"
 #include "framework/FailureMarkers.h"
+#include "platform/Platform.h"
 #include "support/Cases.h"
 #include "support/TimeZone.h"
 

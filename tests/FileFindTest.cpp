@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "CFileFind.h"
+#include "platform/Platform.h"
 #include "platform/posix/WildcardMatch.h"
 #include "support/TemporaryFolder.h"
 

@@ -71,13 +71,14 @@ std::u32string DecodeUtf8(const std::u32string& bytes)
 
 CString Narrow(const std::u32string& codes)
 {
-    std::u16string wide;
+    std::basic_string<WCHAR> wide;
     for (const char32_t code : codes)
-        if (code > 0xFFFF)
-            wide += {static_cast<char16_t>(0xD800 + (code - 0x10000) / 0x400),
-                     static_cast<char16_t>(0xDC00 + code % 0x400)};
-        else
-            wide += static_cast<char16_t>(code);
+        if (code > 0xFFFF) {
+            wide += static_cast<WCHAR>(0xD800 + (code - 0x10000) / 0x400);
+            wide += static_cast<WCHAR>(0xDC00 + code % 0x400);
+        } else {
+            wide += static_cast<WCHAR>(code);
+        }
     std::string narrow(wide.size(), '#');
     if (!wide.empty())
         WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), narrow.data(),

@@ -64,7 +64,7 @@ auto Watched(bool isWatched, const char* what, const fs::path& file, Step step)
     while (result.wait_for(std::chrono::milliseconds(100)) == std::future_status::timeout) {
         std::error_code ignored;
         const std::uintmax_t megabytes = fs::file_size(file, ignored) / 1'000'000;
-        std::fprintf(stderr, "\r%s %s: %s MB ", what, file.filename().c_str(),
+        std::fprintf(stderr, "\r%s %s: %s MB ", what, file.filename().string().c_str(),
                      Regional::Count(megabytes).GetString());
     }
     std::fputs("\r\033[K", stderr);
@@ -130,7 +130,7 @@ TextArray Read(const fs::path& file, bool isWatched)
         std::find_if(std::begin(Encodings), std::end(Encodings), [=](const Encoding& one) {
             return one.code == found;
         })->name;
-    std::printf("%s: %s%s, %s lines\n", file.c_str(), name, mark == 1 ? " (no mark)" : "",
+    std::printf("%s: %s%s, %s lines\n", file.string().c_str(), name, mark == 1 ? " (no mark)" : "",
                 Regional::Count(lines.GetCount()).GetString());
     return lines;
 }
@@ -151,7 +151,7 @@ void ConvertFile(const fs::path& file, const Encoding& target)
     const TextArray lines = Read(file, isWatched);
     if (const uint64 lost = target.code == 4 ? CountLost(lines) : 0; lost > 0)
         std::fprintf(stderr, "%s: %s characters such as the euro sign become control characters in UTF-8\n",
-                     file.c_str(), Regional::Count(lost).GetString());
+                     file.string().c_str(), Regional::Count(lost).GetString());
     const FileBeside fresh(file);
     const bool isWritten = Watched(isWatched, "writing", fresh.Path(), [&] {
         return FileUtils::WriteFileContent(fresh.Path().string(), lines, true, target.code);
@@ -159,7 +159,7 @@ void ConvertFile(const fs::path& file, const Encoding& target)
     if (!isWritten)
         throw Failure(file, "the converted text cannot be written; the file is as it was");
     const fs::path copy = fresh.TakePlace();
-    std::printf("now %s; what it was is in %s\n", target.name, copy.c_str());
+    std::printf("now %s; what it was is in %s\n", target.name, copy.string().c_str());
 }
 
 } // namespace

@@ -9,6 +9,10 @@
 
 #include "Regional.h"
 
+#ifdef _WIN32 // where FILETIME is the system's own
+#include <windows.h>
+#endif
+
 namespace {
 
 constexpr std::size_t Shown = 8;

@@ -1,7 +1,7 @@
 #include "Logging.h"
 
-#include <csignal>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -28,7 +28,7 @@ void Crash()
     }
     std::puts("Three lines were added. Now this process kills itself; `recent_files log` shows them.");
     std::fflush(stdout);
-    std::raise(SIGKILL);
+    std::abort();
 }
 
 } // namespace

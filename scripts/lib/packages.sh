@@ -18,3 +18,4 @@ need_packages() {
 build_packages=(cmake ninja-build g++ libicu-dev)
 test_packages=(libgtest-dev binutils)
 check_packages=(clang clang-format clang-tidy libbenchmark-dev)
+windows_packages=(g++-mingw-w64-x86-64-posix googletest wine wine64)

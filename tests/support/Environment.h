@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "SetVariable.h"
+
 class Environment {
 public:
     Environment() = default;
@@ -14,18 +16,18 @@ public:
     ~Environment()
     {
         for (const auto& [name, value] : m_before)
-            value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+            SetVariable(name.c_str(), value ? value->c_str() : nullptr);
     }
 
     void Set(const std::string& name, const std::string& value)
     {
         Remember(name);
-        setenv(name.c_str(), value.c_str(), 1);
+        SetVariable(name.c_str(), value.c_str());
     }
     void Unset(const std::string& name)
     {
         Remember(name);
-        unsetenv(name.c_str());
+        SetVariable(name.c_str(), nullptr);
     }
 
 private:

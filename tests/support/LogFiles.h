@@ -105,7 +105,7 @@ struct LogHome {
         return {lines.begin(), lines.end()};
     }
 
-    std::string State() const { return settings.Folder() / "state"; }
+    std::string State() const { return (settings.Folder() / "state").string(); }
     std::string Path() const { return State() + "/CorvaneSoftware/App/App.log"; }
     void Write(const std::string& bytes) const { UserSettings::WriteFile(Path(), bytes); }
     std::string Bytes() const
@@ -121,7 +121,7 @@ struct LogHome {
     {
         std::set<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(folder))
-            names.insert(entry.path().filename());
+            names.insert(entry.path().filename().string());
         return names;
     }
     std::set<std::string> Files() const { return NamesIn(std::filesystem::path(Path()).parent_path()); }

@@ -1,11 +1,10 @@
 // A new empty folder for one test, removed with all that is in it.
 #pragma once
 
-#include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -14,10 +13,12 @@ class TemporaryFolder {
 public:
     TemporaryFolder()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "kvt01-test-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-            throw std::system_error(errno, std::generic_category(), pattern);
-        m_path = pattern + '/';
+        std::random_device random;
+        std::filesystem::path folder;
+        do
+            folder = std::filesystem::temp_directory_path() / ("kvt01-test-" + std::to_string(random()));
+        while (!std::filesystem::create_directory(folder));
+        m_path = folder.string() + '/';
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
