@@ -131,8 +131,13 @@ int TextFile::ReadLine(CString& line)
 
 int TextFile::WriteLine(const CString& line)
 {
-    if (!m_writer || m_writer->BeforeText(m_isMarkPending) != TextFileWriter::Written ||
-        m_writer->WriteText(line, line.GetLength(), m_codePage) != TextFileWriter::Written ||
+    if (!m_writer)
+        return SystemError;
+    if (m_isMarkPending && m_writer->BeforeText(m_isMarkPending) != TextFileWriter::Written)
+        return SystemError;
+    const std::string_view text = line.View();
+    if (m_writer->WriteText(text.data(), static_cast<int>(text.size()), m_codePage) !=
+            TextFileWriter::Written ||
         m_writer->EndLine() != TextFileWriter::Written)
         return SystemError;
     ++m_linesWritten;

@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <cstring>
 
+#include "files/AsciiText.h"
+
 namespace {
 
-constexpr std::size_t ReadSize = 1 << 17; // at once: whole units, and few enough for the cache
 constexpr char16_t CarriageReturn = '\r';
 constexpr char16_t LineFeed = '\n';
-constexpr std::size_t MostGathered = CString::MaxLength - ReadSize; // units: with one read more a CString's
 
 std::size_t FillSize(int bufferSize, std::size_t unitSize)
 {
@@ -55,7 +55,7 @@ int TextFileReader::Fill()
         m_buffer.reset(new char[ReadSize]);
     std::memmove(m_buffer.get(), m_buffer.get() + m_end, m_halfUnit);
     m_bufferAt += m_end;
-    m_begin = m_end = 0;
+    m_begin = m_end = m_asciiEnd = 0;
     DWORD count = 0;
     if (!ReadFile(m_file, m_buffer.get() + m_halfUnit, static_cast<DWORD>(ReadSize - m_halfUnit), &count,
                   nullptr))
@@ -67,18 +67,24 @@ int TextFileReader::Fill()
     return m_isAtEnd ? EndOfFile : LineDelivered;
 }
 
-// Of the unread units; null when there is none.
-const char* TextFileReader::FindLineFeed() const
+inline bool TextFileReader::IsUnit(const char* bytes, char16_t unit) const
 {
+    return m_unitSize == 1 ? static_cast<unsigned char>(*bytes) == unit : UnitAt(bytes) == unit;
+}
+
+// Of the unread units; null when there is none.
+inline const char* TextFileReader::FindLineFeed() const
+{
+    const char* from = m_buffer.get() + m_begin;
     const char* const end = m_buffer.get() + m_end;
-    for (const char* from = m_buffer.get() + m_begin; from < end;) {
+    while (from < end) {
         const auto* const found =
             static_cast<const char*>(std::memchr(from, LineFeed, static_cast<std::size_t>(end - from)));
-        if (found == nullptr)
-            return nullptr;
+        if (found == nullptr || m_unitSize == 1)
+            return found;
         const auto offset = static_cast<std::size_t>(found - m_buffer.get());
         const char* const unit = found - (offset & (m_unitSize - 1)); // it may be either byte of one
-        if (UnitAt(unit) == LineFeed)
+        if (IsUnit(unit, LineFeed))
             return unit;
         from = unit + m_unitSize;
     }
@@ -96,14 +102,14 @@ bool TextFileReader::StartsFill(uint64 position)
 // ---- lines ----------------------------------------------------------------------------------------------
 
 // The line before an LF in the buffer, which is taken out of it.
-std::string_view TextFileReader::EndLine(const char* lineFeed)
+inline std::string_view TextFileReader::EndLine(const char* lineFeed)
 {
     const char* const from = m_buffer.get() + m_begin;
     std::string_view raw(from, static_cast<std::size_t>(lineFeed - from));
     m_begin += raw.size() + m_unitSize;
     if (!m_line.empty())
         raw = m_line.append(raw);
-    const bool endsInReturn = !raw.empty() && UnitAt(raw.data() + raw.size() - m_unitSize) == CarriageReturn;
+    const bool endsInReturn = !raw.empty() && IsUnit(raw.data() + raw.size() - m_unitSize, CarriageReturn);
     const auto lineFeedAt = m_bufferAt + static_cast<std::size_t>(lineFeed - m_buffer.get());
     if (endsInReturn && !StartsFill(lineFeedAt))
         raw.remove_suffix(m_unitSize);
@@ -112,17 +118,19 @@ std::string_view TextFileReader::EndLine(const char* lineFeed)
 
 int TextFileReader::ReadRawLine(std::string_view& raw)
 {
+    constexpr std::size_t mostGathered =
+        CString::MaxLength - ReadSize; // units: with one read more a CString's
     m_line.clear();
     for (;;) {
-        if (HasUnread()) {
-            if (const char* const lineFeed = FindLineFeed(); lineFeed != nullptr) {
-                raw = EndLine(lineFeed);
-                return LineDelivered;
-            }
+        if (const char* const lineFeed = FindLineFeed(); lineFeed != nullptr) {
+            raw = EndLine(lineFeed);
+            return LineDelivered;
+        }
+        if (m_begin < m_end) {
             m_line.append(m_buffer.get() + m_begin, m_end - m_begin);
             m_begin = m_end;
         }
-        if (m_line.size() / m_unitSize > MostGathered)
+        if (m_line.size() / m_unitSize > mostGathered)
             return ReadError;
         const int result = Fill();
         if (result == EndOfFile && !m_line.empty()) {
@@ -132,6 +140,16 @@ int TextFileReader::ReadRawLine(std::string_view& raw)
         if (result != LineDelivered)
             return result;
     }
+}
+
+bool TextFileReader::IsAscii(std::string_view raw)
+{
+    if (!m_line.empty())
+        return AsciiText::Is(raw);
+    const auto begin = static_cast<std::size_t>(raw.data() - m_buffer.get());
+    if (m_asciiEnd <= begin)
+        m_asciiEnd = begin + AsciiText::FrontSize({raw.data(), m_end - begin});
+    return begin + raw.size() <= m_asciiEnd;
 }
 
 // ---- from the raw line to the caller's ------------------------------------------------------------------

@@ -54,6 +54,8 @@ protected:
 
     // The bytes of the next line without its end; they hold until the next call.
     int ReadRawLine(std::string_view& raw);
+    // Whether that line, of bytes, is ASCII. It may also say no because of what stands behind the line.
+    bool IsAscii(std::string_view raw);
     // The steps from there to the caller's string, each with a Result.
     static int Deliver(CString&& text, CString& line, int* usedDefault)
     {
@@ -65,17 +67,21 @@ protected:
     static int Convert(std::basic_string_view<WCHAR> wide, CString& line, unsigned int codePage,
                        const char* defaultChar, int* usedDefault);
     // The whole of ReadLine for 16-bit units.
-    int ReadWideLine(std::endian byteOrder, CString& line, unsigned int codePage, const char* defaultChar,
-                     int* usedDefault);
+    template <std::endian ByteOrder>
+    int ReadWideLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault);
 
     std::basic_string<WCHAR> m_wide; // the line in UTF-16; its room is used again
 
 private:
+    static constexpr std::size_t ReadSize = 1 << 17; // at once: whole units, and few enough for the cache
+
     int Fill();
-    bool HasUnread() const { return m_begin < m_end; }
+    bool IsUnit(const char* bytes, char16_t unit) const;
     const char* FindLineFeed() const;
     bool StartsFill(uint64 position);
     std::string_view EndLine(const char* lineFeed);
+    template <std::endian ByteOrder>
+    const char* Narrowed(std::string_view raw);
 
     CString m_fileName;
     HANDLE m_file;
@@ -87,6 +93,8 @@ private:
     std::size_t m_begin = 0;          // of what is unread in it
     std::size_t m_end = 0;            // of its whole units
     std::size_t m_halfUnit = 0;       // bytes behind them: of a unit whose rest is to come
+    std::size_t m_asciiEnd = 0;       // up to there it is ASCII, from the line on that asked for it last
+    std::unique_ptr<char[]> m_narrow; // for 16-bit units: the ASCII in front of m_asciiEnd
     bool m_isAtEnd = false;
     std::string m_line; // of a line that lies in more than one read, what came with the earlier ones
 };

@@ -100,7 +100,7 @@ int UTF8_TextFileReader::ReadLine(CString& line, unsigned int codePage, const ch
     std::string_view raw;
     if (const int result = ReadRawLine(raw); result != LineDelivered)
         return result;
-    if (AsciiText::IsKeptBy(codePage) && AsciiText::Is(raw))
+    if (AsciiText::IsKeptBy(codePage) && IsAscii(raw))
         return Deliver(CString(raw), line, usedDefault);
     m_wide.resize(raw.size());
     m_wide.resize(DecodeUtf8(raw, m_wide.data()));
@@ -109,52 +109,87 @@ int UTF8_TextFileReader::ReadLine(CString& line, unsigned int codePage, const ch
 
 // ---- 16-bit units ---------------------------------------------------------------------------------------
 
+template <std::endian ByteOrder>
+static char16_t UnitOf(const char* bytes)
+{
+    WCHAR unit;
+    std::memcpy(&unit, bytes, sizeof unit);
+    return ByteOrder == std::endian::native ? unit : static_cast<WCHAR>(unit << 8 | unit >> 8);
+}
+
 char16_t UTF16LE_TextFileReader::UnitAt(const char* bytes) const
 {
-    return static_cast<char16_t>(ByteAt(bytes) | ByteAt(bytes + 1) << 8);
+    return UnitOf<std::endian::little>(bytes);
 }
 
 char16_t UTF16BE_TextFileReader::UnitAt(const char* bytes) const
 {
-    return static_cast<char16_t>(ByteAt(bytes) << 8 | ByteAt(bytes + 1));
+    return UnitOf<std::endian::big>(bytes);
 }
 
-// False when there is more than ASCII; `to` then holds nothing of use.
-static bool CopyAscii(std::basic_string_view<WCHAR> wide, char* to)
+// Copies the ASCII that the units begin with; how many those are.
+template <std::endian ByteOrder>
+static std::size_t NarrowAscii(const char* units, std::size_t count, char* to)
 {
-    char16_t all = 0;
-    for (std::size_t i = 0; i < wide.size(); ++i) { // without a way out on the way: so many are taken at once
-        all = static_cast<char16_t>(all | wide[i]);
-        to[i] = static_cast<char>(wide[i]);
+    constexpr std::size_t block = 32;
+    std::size_t done = 0;
+    for (; count - done >= block; done += block) {
+        char16_t all = 0;
+        for (std::size_t i = done; i < done + block; ++i) { // without a way out: so many are taken at once
+            const char16_t unit = UnitOf<ByteOrder>(units + i * sizeof unit);
+            all = static_cast<char16_t>(all | unit);
+            to[i] = static_cast<char>(unit);
+        }
+        if (all >= 0x80)
+            break;
     }
-    return all < 0x80;
+    for (; done < count && UnitOf<ByteOrder>(units + done * sizeof(WCHAR)) < 0x80; ++done)
+        to[done] = static_cast<char>(UnitOf<ByteOrder>(units + done * sizeof(WCHAR)));
+    return done;
 }
 
-int TextFileReader::ReadWideLine(std::endian byteOrder, CString& line, unsigned int codePage,
-                                 const char* defaultChar, int* usedDefault)
+// The line narrowed, if all of it is ASCII and lies in the buffer: then what follows it is narrowed too.
+template <std::endian ByteOrder>
+const char* TextFileReader::Narrowed(std::string_view raw)
+{
+    if (!m_line.empty())
+        return nullptr;
+    if (!m_narrow)
+        m_narrow.reset(new char[ReadSize / sizeof(WCHAR)]);
+    const auto begin = static_cast<std::size_t>(raw.data() - m_buffer.get());
+    char* const narrow = m_narrow.get() + begin / sizeof(WCHAR);
+    if (m_asciiEnd <= begin) {
+        const std::size_t count = NarrowAscii<ByteOrder>(raw.data(), (m_end - begin) / sizeof(WCHAR), narrow);
+        m_asciiEnd = begin + count * sizeof(WCHAR);
+    }
+    return begin + raw.size() <= m_asciiEnd ? narrow : nullptr;
+}
+
+template <std::endian ByteOrder>
+int TextFileReader::ReadWideLine(CString& line, unsigned int codePage, const char* defaultChar,
+                                 int* usedDefault)
 {
     std::string_view raw;
     if (const int result = ReadRawLine(raw); result != LineDelivered)
         return result;
-    m_wide.resize(raw.size() / sizeof(WCHAR));
-    std::memcpy(m_wide.data(), raw.data(), raw.size());
-    if (byteOrder != std::endian::native)
-        for (WCHAR& unit : m_wide)
-            unit = static_cast<WCHAR>(unit << 8 | unit >> 8);
-    char ascii[512]; // longer lines can wait for the system's conversion
-    if (m_wide.size() <= sizeof ascii && AsciiText::IsKeptBy(codePage) && CopyAscii(m_wide, ascii))
-        return Deliver(CString(std::string_view(ascii, m_wide.size())), line, usedDefault);
+    const std::size_t count = raw.size() / sizeof(WCHAR);
+    if (AsciiText::IsKeptBy(codePage))
+        if (const char* const narrow = Narrowed<ByteOrder>(raw); narrow != nullptr)
+            return Deliver(CString(std::string_view(narrow, count)), line, usedDefault);
+    m_wide.resize(count);
+    for (std::size_t i = 0; i < count; ++i)
+        m_wide[i] = UnitOf<ByteOrder>(raw.data() + i * sizeof(WCHAR));
     return Convert(m_wide, line, codePage, defaultChar, usedDefault);
 }
 
 int UTF16LE_TextFileReader::ReadLine(CString& line, unsigned int codePage, const char* defaultChar,
                                      int* usedDefault)
 {
-    return ReadWideLine(std::endian::little, line, codePage, defaultChar, usedDefault);
+    return ReadWideLine<std::endian::little>(line, codePage, defaultChar, usedDefault);
 }
 
 int UTF16BE_TextFileReader::ReadLine(CString& line, unsigned int codePage, const char* defaultChar,
                                      int* usedDefault)
 {
-    return ReadWideLine(std::endian::big, line, codePage, defaultChar, usedDefault);
+    return ReadWideLine<std::endian::big>(line, codePage, defaultChar, usedDefault);
 }

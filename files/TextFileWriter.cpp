@@ -93,9 +93,11 @@ static std::size_t EncodeLatin1(std::string_view text, char* to)
 int UTF8_TextFileWriter::WriteText(const char* text, int length, unsigned int)
 {
     std::string_view rest = Run(text, length);
-    if (AsciiText::Is(rest))
-        return Put(rest);
-    int result = Written;
+    if (char* const to = Place(2 * rest.size()); to != nullptr) {
+        Took(AsciiText::Copy(rest, to) ? rest.size() : EncodeLatin1(rest, to));
+        return Written;
+    }
+    int result = Put({}); // an error from before
     while (!rest.empty() && result == Written) {
         char encoded[4096];
         const std::string_view piece = rest.substr(0, sizeof encoded / 2);

@@ -33,7 +33,7 @@ public:
 
     int EndLine() // CR LF
     {
-        if (m_hasFailed || BufferSize - m_used < sizeof m_lineEnd)
+        if (m_hasFailed || BufferSize - m_used < sizeof m_lineEnd) [[unlikely]]
             return PutPastBuffer({m_lineEnd, m_lineEndSize});
         std::memcpy(m_buffer.get() + m_used, m_lineEnd, sizeof m_lineEnd); // all of it: no call for two bytes
         m_used += m_lineEndSize;
@@ -46,11 +46,18 @@ protected:
 
     int Put(std::string_view bytes)
     {
-        if (m_hasFailed || bytes.size() > BufferSize - m_used)
+        if (m_hasFailed || bytes.size() > BufferSize - m_used) [[unlikely]]
             return PutPastBuffer(bytes);
         m_used += bytes.copy(m_buffer.get() + m_used, bytes.size());
         return Written;
     }
+    // Where so many bytes can be put; null where there is no room. Took says how many of them were.
+    char* Place(std::size_t size)
+    {
+        const bool isRoom = !m_hasFailed && size <= BufferSize - m_used;
+        return isRoom ? m_buffer.get() + m_used : nullptr;
+    }
+    void Took(std::size_t size) { m_used += size; }
     // The whole of WriteText for 16-bit units.
     int WriteWide(std::endian byteOrder, std::string_view text, unsigned int codePage);
 

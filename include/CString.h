@@ -112,8 +112,12 @@ public:
     }
     CString& operator=(CString&& other) noexcept
     {
-        CString taken(std::move(other));
-        Swap(taken);
+        if (this != &other) {
+            if (IsLong()) [[unlikely]]
+                Release();
+            TakeBytes(other);
+            other.ClearBytes();
+        }
         return *this;
     }
     CString& operator=(const char* text) { return *this = CString(text); }
