@@ -9,6 +9,10 @@ if(KVT01_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(KVT01_LIBFUZZER)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 function(kvt01_own_code target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)

@@ -1,0 +1,114 @@
+#include "StringUtils.h"
+#include "fuzz/Difference.h"
+#include "fuzz/Targets.h"
+#include "tests/support/TextModels.h"
+
+namespace {
+
+// ---- the rules, with a copy for every piece -------------------------------------------------------------
+
+int UpperOf(char c)
+{
+    const int lower = LowerOf(c);
+    return lower >= 'a' && lower <= 'z' ? lower - 32 : lower;
+}
+
+bool SlowFirstChars(const std::string& text, const std::string& prefix, bool caseSensitive)
+{
+    if (text.empty() || prefix.empty() || prefix.size() > text.size())
+        return text.empty() && prefix.empty();
+    for (std::size_t i = 0; i < prefix.size(); ++i) {
+        const int otherCase = LowerOf(text[i]) == text[i] ? UpperOf(text[i]) : LowerOf(text[i]);
+        if (prefix[i] != text[i] && (caseSensitive || prefix[i] != otherCase))
+            return false;
+    }
+    return true;
+}
+
+bool SlowLastChars(const std::string& text, const std::string& suffix, bool caseSensitive)
+{
+    if (text.empty() || suffix.empty() || suffix.size() > text.size())
+        return text.empty() && suffix.empty();
+    return SlowFirstChars(text.substr(text.size() - suffix.size()), suffix, caseSensitive);
+}
+
+std::string Folded(const std::string& text, bool caseSensitive)
+{
+    return caseSensitive ? text : Lowered(text);
+}
+
+bool SlowQuestionMark(const std::string& text, const std::string& spec, bool caseSensitive)
+{
+    const std::size_t q = spec.find('?');
+    if (q == std::string::npos)
+        return !text.empty() && Folded(text, caseSensitive) == Folded(spec, caseSensitive);
+    if (spec.size() != text.size() && spec.size() != text.size() + 1)
+        return false;
+    if (q > 0)
+        return SlowFirstChars(text, spec.substr(0, q), caseSensitive);
+    return spec.size() > 1 && SlowLastChars(text, spec.substr(1), caseSensitive);
+}
+
+bool SlowMiddle(const std::string& text, const std::string& middle, bool caseSensitive)
+{
+    const std::size_t p = middle.find('?');
+    if (p == std::string::npos)
+        return Folded(text, caseSensitive).find(Folded(middle, caseSensitive)) != std::string::npos;
+    const std::string left = Folded(text.substr(0, p), caseSensitive);
+    const std::string right = Folded(p < text.size() ? text.substr(p + 1) : "", caseSensitive);
+    const std::size_t i = text.find(left), j = text.find(right);
+    return i != std::string::npos && j != std::string::npos && j - (i + left.size()) <= 1;
+}
+
+bool SlowSpec(const std::string& text, const std::string& spec, bool caseSensitive)
+{
+    for (const char* all : {"", "*", "*?", "?*", "?*?", "*?*"})
+        if (spec == all)
+            return true;
+    if (!text.empty() && Folded(spec, caseSensitive) == Folded(text, caseSensitive))
+        return true;
+    if (spec == std::string(spec.size(), '?'))
+        return text.size() <= spec.size();
+    const std::size_t star = spec.find('*'), second = spec.find('*', star + 1);
+    if (star == std::string::npos)
+        return SlowQuestionMark(text, spec, caseSensitive);
+    const std::string rest = spec.substr(star + 1);
+    if (star > 0)
+        return SlowFirstChars(text, spec.substr(0, star), caseSensitive) &&
+               (rest.empty() || SlowLastChars(text, rest, caseSensitive));
+    if (second != std::string::npos)
+        return second == spec.size() - 1 && SlowMiddle(text, spec.substr(1, second - 1), caseSensitive);
+    return Has(spec, '?') ? SlowQuestionMark(text, rest, caseSensitive)
+                          : SlowLastChars(text, rest, caseSensitive);
+}
+
+std::string SlowCommonChars(const std::string& a, const std::string& b, bool caseSensitive)
+{
+    for (std::size_t i = 0; i < a.size() && i < b.size(); ++i)
+        if (caseSensitive ? a[i] != b[i] : UpperOf(a[i]) != UpperOf(b[i]))
+            return a.substr(0, i);
+    return b.size() < a.size() ? b : a;
+}
+
+} // namespace
+
+void Targets::Matching(Choices& choices)
+{
+    static const std::string texts("abAB.\xE9\0*", 8), specs("abAB.\xE9\0**??", 11);
+    const bool flag = choices.Flag();
+    const std::string few = texts.substr(0, 1 + choices.Below(texts.size())); // so that many match
+    const std::string text = choices.Make(few, choices.Below(6)) +
+                             std::string(choices.OneIn(8) ? choices.Below(300) : 0, choices.Pick(few));
+    const std::string spec = choices.Make(choices.Flag() ? specs : few, choices.Below(7));
+    const auto expect = [&](const char* operation, const auto& actual, const auto& expected) {
+        Expect(operation, actual, expected, text, spec, flag);
+    };
+    expect("MatchFirstChars", StringUtils::MatchFirstChars(text, spec, flag),
+           SlowFirstChars(text, spec, flag));
+    expect("MatchLastChars", StringUtils::MatchLastChars(text, spec, flag), SlowLastChars(text, spec, flag));
+    expect("MatchSpec", StringUtils::MatchSpec(text, spec, flag), SlowSpec(text, spec, flag));
+    expect("MatchSpecQuestionMark", StringUtils::MatchSpecQuestionMark(text, spec, flag),
+           SlowQuestionMark(text, spec, flag));
+    expect("DetermineCommonChars", StringUtils::DetermineCommonChars(text, spec, flag),
+           SlowCommonChars(text, spec, flag));
+}
