@@ -97,8 +97,9 @@ void Targets::Matching(Choices& choices)
     static const std::string texts("abAB.\xE9\0*", 8), specs("abAB.\xE9\0**??", 11);
     const bool flag = choices.Flag();
     const std::string few = texts.substr(0, 1 + choices.Below(texts.size())); // so that many match
-    const std::string text = choices.Make(few, choices.Below(6)) +
-                             std::string(choices.OneIn(8) ? choices.Below(300) : 0, choices.Pick(few));
+    std::string text = choices.Make(few, choices.Below(6));
+    if (choices.OneIn(8)) // long enough for another way of searching
+        text = std::string(250 + choices.Below(20), choices.Pick(few)) + text;
     const std::string spec = choices.Make(choices.Flag() ? specs : few, choices.Below(7));
     const auto expect = [&](const char* operation, const auto& actual, const auto& expected) {
         Expect(operation, actual, expected, text, spec, flag);
