@@ -107,6 +107,7 @@ void CopyAndBack(TextArray& array, void (TextArray::*copyTo)(List&) const,
     List list;
     for (int turn = 0; turn < 2; ++turn)
         (array.*copyTo)(list);
+    array.Add("c");
     (array.*copyFrom)(list);
 }
 
@@ -138,11 +139,12 @@ TEST(TextArrayLists, ChangeAsTold)
         {"abcdef;", [](auto& a) { a.RemoveCharsFromIndex(0, 4, INT_MAX); }, "abcd;"},
         {"abcdef;", [](auto& a) { a.RemoveCharsFromIndex(0, 1, 2); }, "adef;"},
         {"a;b", [](auto& a) { CopyAndBack(a, &TextArray::CopyToVector, &TextArray::CopyFromVector); },
-         "a;b;a;b"},
+         "a;b;c;a;b"},
         {"a;b",
          [](auto& a) { CopyAndBack(a, &TextArray::CopyToStringArray, &TextArray::CopyFromStringArray); },
-         "a;b;a;b"},
-        {"a;b", [](auto& a) { CopyAndBack(a, &TextArray::CopyToList, &TextArray::CopyFromList); }, "a;b;a;b"},
+         "a;b;c;a;b"},
+        {"a;b", [](auto& a) { CopyAndBack(a, &TextArray::CopyToList, &TextArray::CopyFromList); },
+         "a;b;c;a;b"},
         {"x", [](auto& a) { a.AddValuesRange(-1, 1, false); }, "x;-1;0;1"},
         {"x", [](auto& a) { a.AddValuesRange(INT_MAX - 1, INT_MAX, true); }, "x;2,147,483,646;2,147,483,647"},
         // the array itself, or an element of it, as the argument

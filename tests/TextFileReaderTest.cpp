@@ -21,11 +21,11 @@ std::u32string UnitsOf(const std::string& bytes, int encoding)
 {
     std::u32string units;
     const std::size_t size = IsWide(encoding) ? 2 : 1;
-    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
+    const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
     for (std::size_t i = 0; i + size <= bytes.size(); i += size)
-        units += size == 1       ? byte(i)
-                 : encoding == 2 ? byte(i) + byte(i + 1) * 256U
-                                 : byte(i) * 256U + byte(i + 1);
+        units += size == 1       ? byteAt(i)
+                 : encoding == 2 ? byteAt(i) + byteAt(i + 1) * 256U
+                                 : byteAt(i) * 256U + byteAt(i + 1);
     return units;
 }
 
