@@ -66,6 +66,8 @@ void Edit(RandomTexts& random, CString& text, std::string& model)
              std::memset(t.GetBufferSetLength(t.GetLength()), 'y', front.size());
          }, // not released
          [&](auto& m) { m.replace(0, front.size(), front); }},
+        {[&](auto& t) { std::memcpy(t.GetBuffer(), front.data(), front.size()), t.ReleaseBuffer(); },
+         [&](auto& m) { m = m.replace(0, front.size(), front).c_str(); }}, // up to the first NUL
         {[&](auto& t) { t.FreeExtra(); }, [&](auto&) {}},
         {[&](auto& t) {
              CString moved(std::move(t));
