@@ -171,6 +171,8 @@ public:
         else
             std::memcpy(text + length, other.GetString(), static_cast<std::size_t>(added));
         SetLongLength(text, length + added);
+        if (length < FrontSize)
+            SetFront();
         return *this;
     }
     CString& operator+=(const char* text) { return Append(text); }

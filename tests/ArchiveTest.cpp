@@ -1,14 +1,23 @@
+// The archive. What is stored, the golden files show.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>
-#include <random>
 #include <stdexcept>
 #include <type_traits>
 
 #include "CRewindArchive.h"
+#include "DateEntry.h"
+#include "ExternalAppRun.h"
+#include "MRUApplications.h"
+#include "MRUArray.h"
+#include "MRUArrayByTime.h"
 #include "SerializeData.h"
 #include "support/ArchiveBytes.h"
+#include "support/Cases.h"
+#include "support/MarkerLines.h"
+#include "support/RandomSource.h"
+#include "support/TextModels.h"
 
 namespace {
 
@@ -57,18 +66,10 @@ static_assert(Storable<unsigned long> == std::is_same_v<unsigned long, DWORD>);
 
 TEST(Archive, PrefixesChangeAtTheirLimits)
 {
-    // clang-format off
-    const std::pair<std::size_t, const char*> lengths[] = {
-        {0, "00"}, {1, "01"}, {30, "1E"}, {31, "1F"}, {254, "FE"}, {255, "FF FF00"}, {256, "FF 0001"}, {0xFFFD, "FF FDFF"},
-        {0xFFFE, "FF FFFF FEFF0000"}, {0x10000, "FF FFFF 00000100"}};
-    const std::pair<uint64, const char*> counts[] = {
-        {0xFFFE, "FEFF"}, {0xFFFF, "FFFF FFFF0000"}, {0xFFFFFFFE, "FFFF FEFFFFFF"},
-        {0xFFFFFFFF, "FFFF FFFFFFFF FFFFFFFF00000000"}, {~uint64{0}, "FFFF FFFFFFFF FFFFFFFFFFFFFFFF"}};
-    // clang-format on
-    for (const auto& [length, prefix] : lengths) {
+    for (const auto& [length, prefix] : Cases<2>("text prefixes")) {
         SCOPED_TRACE(length);
-        std::string text(length, 'x');
-        for (std::size_t i = 0; i < length; i += 7)
+        std::string text(std::stoul(length), 'x');
+        for (std::size_t i = 0; i < text.size(); i += 7)
             text[i] = static_cast<char>(i); // NULs and bytes from 128 on as well
         const std::string expected = BytesOf(prefix) + text;
         EXPECT_TRUE(StoredBy([&](CArchive& archive) { archive << CString(text) << text; }) ==
@@ -83,26 +84,21 @@ TEST(Archive, PrefixesChangeAtTheirLimits)
     CString shortened('x', 100); // a short text that lies where long ones do, in little room
     shortened.Truncate(2);
     EXPECT_EQ(StoredBy([&](CArchive& archive) { archive << shortened; }), "\2xx");
-    for (const auto& [count, hex] : counts) {
-        const std::string bytes = StoredBy([n = count](CArchive& archive) { archive.WriteCount(n); });
-        EXPECT_EQ(HexOf(bytes), HexOf(BytesOf(hex)));
-        LoadFrom(bytes, [n = count](CArchive& archive) { EXPECT_EQ(archive.ReadCount(), n); });
+    for (const auto& [number, hex] : Cases<2>("stored counts")) {
+        const uint64 count = std::stoull(number);
+        EXPECT_EQ(HexOf(StoredBy([&](CArchive& archive) { archive.WriteCount(count); })), hex);
+        LoadFrom(BytesOf(hex), [&](CArchive& archive) { EXPECT_EQ(archive.ReadCount(), count); });
     }
 }
 
 TEST(Archive, ClaimedTextLengthsAreNotBelieved)
 {
-    constexpr int End = CArchiveException::endOfFile;
-    // clang-format off
-    const std::pair<const char*, int> rows[] = {
-        {"05 61626364", End}, {"FF 0040 61", End}, {"FF FFFF FFFFFF7E 61", End}, {"FF FEFF FF FFFF 00000070 6100", End},
-        {"FF FEFF FF FEFF 01 4100", CArchiveException::genericException}, // the mark stands once
-        {"FF FFFF FEFFFFFF", LengthError}, {"FF FFFF FFFFFFFF 0000000000000001", LengthError},
-        {"FF FFFF FFFFFFFF FFFFFFFFFFFFFFFF", LengthError}, {"FF FEFF FF FFFF 000000F0", LengthError}};
-    // clang-format on
-    for (const auto& [hex, cause] : rows) {
+    for (const auto& [hex, cause] : Cases<2>("broken texts")) {
         CString text = "kept";
-        EXPECT_EQ(CauseOf([&, h = hex] { LoadFrom(BytesOf(h), [&](CArchive& a) { a >> text; }); }), cause)
+        const auto load = [&, &bytes = hex] { LoadFrom(BytesOf(bytes), [&](CArchive& a) { a >> text; }); };
+        EXPECT_EQ(CauseOf(load), cause == "end"      ? CArchiveException::endOfFile
+                                 : cause == "length" ? LengthError
+                                                     : CArchiveException::genericException)
             << hex;
         EXPECT_EQ(text, "kept");
     }
@@ -111,52 +107,48 @@ TEST(Archive, ClaimedTextLengthsAreNotBelieved)
 // The same values through buffers of every kind, so that they straddle the ends of the buffer everywhere.
 TEST(Archive, BuffersOfAnySizeGiveTheSameBytes)
 {
-    std::vector<double> numbers, loadedNumbers;
-    std::map<CString, std::vector<CString>> texts, loadedTexts;
-    for (int i = 0; i < 20000; ++i) {
-        numbers.push_back(i / 3.0);
+    std::map<CString, std::vector<CString>> texts, loaded;
+    for (int i = 0; i < 20000; ++i)
         texts[CString('x', i % 7)].emplace_back(static_cast<char>(i), i % 300);
-    }
-    const auto store = [&](CArchive& archive) {
-        SerializeData::Serialize(archive, numbers);
-        SerializeData::Serialize(archive, texts);
-    };
+    const auto store = [&](CArchive& archive) { SerializeData::Serialize(archive, texts); };
     const std::string bytes = StoredBy(store, 1 << 24);
     for (const int bufferSize : {-1, 0, 1, 128, 129, 131, 4096, 1 << 24}) {
         EXPECT_TRUE(StoredBy(store, bufferSize) == bytes);
         const auto load = [&](CArchive& archive) {
-            SerializeData::Serialize(archive, loadedNumbers);
-            SerializeData::Serialize(archive, loadedTexts);
+            SerializeData::Serialize(archive, loaded);
             EXPECT_TRUE(archive.GetBytesAhead() == 0 && archive.IsBufferEmpty());
         };
         LoadFrom(bytes, load, bufferSize);
-        EXPECT_TRUE(loadedNumbers == numbers && loadedTexts == texts);
+        EXPECT_TRUE(loaded == texts);
     }
 }
 
 TEST(Archive, WrongDirectionsAndClosedArchivesAreRefused)
 {
-    using Causes = std::vector<int>;
     CMemFile file;
     CRewindArchive storing(&file, CArchive::store), loading(&file, CArchive::load);
     int number = 0;
     CString text;
     std::string standard;
-    const auto loads = [&](CRewindArchive& archive) {
-        return Causes{CauseOf([&] { archive >> number; }), CauseOf([&] { archive >> text; }),
-                      CauseOf([&] { archive >> standard; }), CauseOf([&] { archive.Read(&number, 0); }),
-                      CauseOf([&] { archive.DoRewindWORD(); })};
+    const auto expectLoading = [&](CRewindArchive& archive, int cause) {
+        EXPECT_EQ(CauseOf([&] { archive >> number; }), cause);
+        EXPECT_EQ(CauseOf([&] { archive >> text; }), cause);
+        EXPECT_EQ(CauseOf([&] { archive >> standard; }), cause);
+        EXPECT_EQ(CauseOf([&] { archive.Read(&number, 0); }), cause);
+        EXPECT_EQ(CauseOf([&] { archive.DoRewindWORD(); }), cause);
     };
-    const auto stores = [&](CRewindArchive& archive) {
-        return Causes{CauseOf([&] { archive << number; }), CauseOf([&] { archive << text; }),
-                      CauseOf([&] { archive << standard; }), CauseOf([&] { archive.Write(&number, 0); })};
+    const auto expectStoring = [&](CRewindArchive& archive, int cause) {
+        EXPECT_EQ(CauseOf([&] { archive << number; }), cause);
+        EXPECT_EQ(CauseOf([&] { archive << text; }), cause);
+        EXPECT_EQ(CauseOf([&] { archive << standard; }), cause);
+        EXPECT_EQ(CauseOf([&] { archive.Write(&number, 0); }), cause);
     };
-    EXPECT_EQ(loads(storing), Causes(5, CArchiveException::writeOnly));
-    EXPECT_EQ(stores(loading), Causes(4, CArchiveException::readOnly));
+    expectLoading(storing, CArchiveException::writeOnly);
+    expectStoring(loading, CArchiveException::readOnly);
     storing.Close();
     loading.Abort();
-    EXPECT_EQ(stores(storing), Causes(4, CArchiveException::genericException));
-    EXPECT_EQ(loads(loading), Causes(5, CArchiveException::genericException));
+    expectStoring(storing, CArchiveException::genericException);
+    expectLoading(loading, CArchiveException::genericException);
     storing.Close();
     storing.Flush();
     EXPECT_EQ(file.GetLength(), 0u);
@@ -187,9 +179,7 @@ TEST(Archive, TheDestructorWritesUnlessToldNotTo)
 TEST(RewindArchive, StandsWhereASlowModelStands)
 {
     constexpr std::size_t Begin = 100, End = 3000;
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE(seed);
-    std::mt19937 random(seed);
+    RandomSource random;
     std::string bytes(End, '\0'), loaded(End, '\0');
     std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
     for (int run = 0; run < 200; ++run) {
@@ -218,6 +208,110 @@ TEST(RewindArchive, StandsWhereASlowModelStands)
             ASSERT_EQ(file.GetPosition(), position);
         }
     }
+}
+
+// ---- how containers and records treat the value that was there before -----------------------------------
+
+TEST(ArchiveContainers, StringsOfTheSameCountAreOverwrittenInPlace)
+{
+    const std::string bytes = BytesOf("0100 0200000000000000 01 61 01 62");
+    const auto load = [&](std::size_t length, Texts list, const Texts& expected) {
+        const bool isSameCount = list.size() == 2;
+        const CString* const place = list.data();
+        const auto serialize = [&](CArchive& archive) { SerializeData::Serialize(archive, list); };
+        if (length == bytes.size())
+            LoadFrom(bytes, serialize);
+        else
+            EXPECT_THROW(LoadFrom(bytes.substr(0, length), serialize), CArchiveException);
+        EXPECT_EQ(list, expected);
+        EXPECT_TRUE(list.data() == place || !isSameCount);
+    };
+    load(bytes.size(), {"x", "y"}, {"a", "b"});
+    load(bytes.size(), {"x", "y", "z"}, {"a", "b"});
+    load(bytes.size() - 1, {"x", "y"}, {"a", "y"}); // what was loaded so far
+    load(bytes.size() - 1, {"x", "y", "z"}, {"a"});
+    load(sizeof(WORD) + 7, {"x", "y"}, {"x", "y"}); // the count breaks off
+}
+
+struct Reachable : SerializeData {
+    using SerializeData::Deserialize;
+    using SerializeData::Serializestring;
+};
+
+TEST(ArchiveContainers, CountersAndOperationsOfOneDirection)
+{
+    std::string text = "ab";
+    WORD version = 99;
+    const std::string bytes = StoredBy([&](CArchive& archive) {
+        Reachable::Serializestring(archive, text);
+        EXPECT_EQ(SerializeData::SerializeLoopCounter(archive, 258, true), 258u);
+        EXPECT_THROW(Reachable::Deserialize(archive, text), CArchiveException);
+        for (const bool isLegacy : {false, true})
+            EXPECT_THROW(SerializeData::DeserializeLoopCounter(archive, isLegacy, version),
+                         CArchiveException);
+    });
+    EXPECT_EQ(HexOf(bytes), "0261620201000000000000");
+    LoadFrom(bytes + BytesOf("03010000 04010000 0700 0501000000000000"), [&](CArchive& archive) {
+        EXPECT_THROW(Reachable::Serializestring(archive, text), CArchiveException);
+        Reachable::Deserialize(archive, text = "");
+        EXPECT_EQ(text, "ab");
+        EXPECT_EQ(SerializeData::SerializeLoopCounter(archive, 1), 258u);
+        EXPECT_EQ(SerializeData::SerializeLoopCounter(archive, 1, true), 259u);
+        EXPECT_TRUE(SerializeData::DeserializeLoopCounter(archive, true, version) == 260 && version == 0);
+        EXPECT_TRUE(SerializeData::DeserializeLoopCounter(archive, false, version) == 261 && version == 7);
+    });
+}
+
+// Stored again after loading a record of an unknown version: answers whether that raised an exception.
+template <class Value>
+bool IsRefused(Value& value, const std::string& version)
+{
+    const std::string before = StoredBytesOf(value);
+    bool isRefused = false;
+    try {
+        Load(value, BytesOf(version));
+    } catch (const CArchiveException& exception) {
+        isRefused = exception.m_cause == CArchiveException::badSchema;
+    }
+    EXPECT_EQ(HexOf(StoredBytesOf(value)), HexOf(before)) << version;
+    return isRefused;
+}
+
+TEST(ArchiveRecords, UnknownVersionsChangeNothing)
+{
+    const MarkerLines markers;
+    TextArray texts = ListOf("kept");
+    DateTime date(1900, 5, 6, 7, 8, 9);
+    DateEntry rule;
+    rule.SetDay("kept", 3, 4);
+    ExternalAppRun app;
+    app.SetArgs("kept");
+    MRUArray lists;
+    lists.Add("kept");
+    MRUArrayByTime times;
+    times.Add("kept", 1);
+    MRUApplications applications;
+    applications.AddEntry(KVT01_TEST_DATA "/golden/manifest.tsv");
+    for (const char* version : {"0000", "0500", "FFFF"}) {
+        EXPECT_FALSE(IsRefused(texts, version) || IsRefused(date, version) || IsRefused(rule, version));
+        EXPECT_TRUE(IsRefused(app, version) && IsRefused(lists, version) && IsRefused(times, version) &&
+                    IsRefused(applications, version));
+    }
+    EXPECT_EQ(MarkerLines::Take(), Texts(3, "{B57EE119-2C25-4A8C-8506-45F22B9B02D5}"));
+}
+
+TEST(ArchiveRecords, DatesStayWithinBoundsWhateverTheyHold)
+{
+    DateTime wild;
+    Load(wild, BytesOf("0300 FFFFFF7F 00000080"));
+    DateTime moved = wild;
+    EXPECT_FALSE(wild.IsValidDate() || wild.IsValidTime() || wild.IsYesterday() || wild.IsTomorrow());
+    EXPECT_EQ(wild.GetYear() + wild.GetMonth() + wild.GetDay(), 0);
+    EXPECT_TRUE(wild.GetHour() == -596523 && wild.GetDayOfWeek() == 6);
+    moved.AddSeconds(1);
+    moved.AddDays(1);
+    moved.AddMonths(1);
+    EXPECT_EQ(moved, wild);
 }
 
 } // namespace

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <cstring>
+#include <functional>
 #include <sstream>
 #include <thread>
 
@@ -26,9 +28,10 @@ std::string Sample(std::size_t length)
 
 void ExpectSame(const CString& text, const std::string& model)
 {
-    ASSERT_EQ(text.GetLength(), static_cast<int>(model.size()));
     ASSERT_EQ(text.View(), model);
     ASSERT_EQ(text.GetString()[text.GetLength()], '\0');
+    // The first characters of a long text are kept in the string itself: no change may miss them.
+    ASSERT_EQ(std::strncmp(text.GetFront(), text, CString::FrontSize), 0) << text;
 }
 
 // The same random edit of a string and of its model.
@@ -39,7 +42,7 @@ void Edit(RandomTexts& random, CString& text, std::string& model)
     const int i = static_cast<int>(at);
     const int n = static_cast<int>(count);
     const std::string piece = Sample(Lengths[random.Below(9)]) + std::string(random.OneIn(5), '\0');
-    const std::string end(count > 0, '!');
+    const std::string end(count > 0, '!'), front(std::min<std::size_t>(model.size(), 4), 'y');
     const struct {
         std::function<void(CString&)> edit;
         std::function<void(std::string&)> model;
@@ -56,6 +59,15 @@ void Edit(RandomTexts& random, CString& text, std::string& model)
         {[&](auto& t) { t.SetAt(i, '#'); }, [&](auto& m) { m.replace(at, 1, at < m.size() ? "#" : ""); }},
         {[&](auto& t) { t.Remove('c'); }, [&](auto& m) { std::erase(m, 'c'); }},
         {[&](auto& t) { t.MakeReverse(); }, [&](auto& m) { std::reverse(m.begin(), m.end()); }},
+        {[&](auto& t) { t.Replace('a', 'z'); }, [&](auto& m) { std::replace(m.begin(), m.end(), 'a', 'z'); }},
+        {[&](auto& t) { t.TrimLeft("ab"); }, [&](auto& m) { m.erase(0, m.find_first_not_of("ab")); }},
+        {[&](auto& t) { t.MakeLower(); }, [&](auto& m) { m = Lowered(m); }},
+        {[&](auto& t) {
+             std::memset(t.GetBufferSetLength(t.GetLength()), 'y', front.size());
+         }, // not released
+         [&](auto& m) { m.replace(0, front.size(), front); }},
+        {[&](auto& t) { std::memcpy(t.GetBuffer(), front.data(), front.size()), t.ReleaseBuffer(); },
+         [&](auto& m) { m = m.replace(0, front.size(), front).c_str(); }}, // up to the first NUL
         {[&](auto& t) { t.FreeExtra(); }, [&](auto&) {}},
         {[&](auto& t) {
              CString moved(std::move(t));
@@ -85,6 +97,7 @@ TEST(CString, StaysEqualToAModelThroughRandomEdits)
             if (random.OneIn(12))
                 strings.push_back(strings.back());
             Edit(random, strings.back().first, strings.back().second);
+            ExpectSame(strings.back().first, strings.back().second);
         }
         for (const auto& [text, model] : strings)
             ExpectSame(text, model);

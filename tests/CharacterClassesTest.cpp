@@ -4,7 +4,6 @@
 #include <climits>
 
 #include "StringUtils.h"
-#include "support/Cases.h"
 #include "support/RandomTexts.h"
 #include "support/TextModels.h"
 
@@ -111,18 +110,6 @@ TEST(CharacterOrderings, DecideAsTheStepsDo)
         ASSERT_EQ(StringUtils::IsGreaterThanNoCase(a, b), SlowNoCase(a, b) > 0);
     }
     EXPECT_TRUE(NoCase()("a", "B") && !NoCase()("A", "a") && NoCase()("\xE8", "\xE9")); // by the runtime
-}
-
-TEST(WholeStrings, AreTestedAndTrimmedByTheTables)
-{
-    for (const auto& [text, isYes] : Cases<2>("yes"))
-        EXPECT_EQ(StringUtils::IsYes(text), isYes == "1") << text;
-    for (const auto& [text, left] : Cases<2>("trimmed")) {
-        EXPECT_EQ(StringUtils::IsEffectivelyEmpty(text), left.empty()) << text;
-        CString trimmed = text;
-        StringUtils::Trim(trimmed);
-        EXPECT_EQ(trimmed, left) << text;
-    }
 }
 
 } // namespace

@@ -8,12 +8,6 @@
 
 namespace {
 
-template <class Container>
-Texts Walked(const Container& list)
-{
-    return Texts(list.begin(), list.end());
-}
-
 TEST(Containers, ArrayGrowsWhereItSaysSo)
 {
     CByteArray bytes;
@@ -40,10 +34,10 @@ TEST(Containers, ArrayIsNeutralOutside)
         texts.InsertAt(index < 0 ? index : -1, "x");
     }
     texts.RemoveAt(0, -1);
-    EXPECT_EQ(Walked(texts), Texts{"a"});
+    EXPECT_EQ(TextsOf(texts), Texts{"a"});
     texts.InsertAt(0, texts[0], 3); // an element of the array itself
     texts.SetAtGrow(5, texts[0]);
-    EXPECT_EQ(Walked(texts), (Texts{"a", "a", "a", "a", "", "a"}));
+    EXPECT_EQ(TextsOf(texts), (Texts{"a", "a", "a", "a", "", "a"}));
 }
 
 TEST(Containers, ListWalksBothWaysAndChangesInPlace)
@@ -69,7 +63,7 @@ TEST(Containers, ListWalksBothWaysAndChangesInPlace)
     EXPECT_TRUE(list.Find("d") == b && list.Find("d", list.Find("d", b)) == nullptr);
     EXPECT_EQ(list.RemoveHead() + list.RemoveTail(), "firstlast");
     list.AddTail(&list);
-    EXPECT_EQ(Walked(list), (Texts{"a", "d", "d", "a", "d", "d"}));
+    EXPECT_EQ(TextsOf(list), (Texts{"a", "d", "d", "a", "d", "d"}));
     list.RemoveAll();
     EXPECT_EQ(list.GetHead() + list.GetTail() + list.RemoveHead() + list.RemoveTail() + list.GetAt(nullptr),
               "");

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 
 #include "Crypto.h"
 #include "persist/Aes.h"
@@ -10,6 +11,64 @@
 #include "support/RandomTexts.h"
 
 namespace {
+
+// ---- the cipher -----------------------------------------------------------------------------------------
+
+Aes::KeySchedule KeysOf(const std::string& key)
+{
+    return Aes::ExpandKey({reinterpret_cast<const BYTE*>(key.data()), key.size()});
+}
+
+// From the given chain, `step` blocks at a time.
+std::string Chained(Aes::ChainFunction run, const Aes::KeySchedule& keys, const std::string& chain,
+                    const std::string& in, std::size_t step = 1000)
+{
+    Aes::Block working{};
+    std::copy(chain.begin(), chain.end(), working.begin());
+    std::string out;
+    for (std::size_t done = 0; done < in.size(); done = out.size()) {
+        const std::string piece = in.substr(done, step * Aes::BlockSize);
+        out.resize(done + piece.size());
+        run(keys, working, reinterpret_cast<const BYTE*>(piece.data()),
+            reinterpret_cast<BYTE*>(out.data() + done), piece.size() / Aes::BlockSize);
+    }
+    return out;
+}
+
+TEST(Aes, GivesThePublishedBytesInEveryWay)
+{
+    const auto rows = RecordedRows("aes-vectors.tsv"); // a block for itself is chained to zeros
+    ASSERT_EQ(rows.size(), 18u);
+    for (const auto& row : rows)
+        for (const auto& way : Aes::UsableImplementations()) {
+            SCOPED_TRACE(std::string(way.name) + ": " + row[4]);
+            const auto keys = KeysOf(BytesOf(row[1]));
+            const std::string chain = BytesOf(row[2]), plain = BytesOf(row[3]), encrypted = BytesOf(row[4]);
+            EXPECT_EQ(HexOf(Chained(way.encrypt, keys, chain, plain)), HexOf(encrypted));
+            EXPECT_EQ(HexOf(Chained(way.decrypt, keys, chain, encrypted)), HexOf(plain));
+        }
+}
+
+// Every number of blocks around the widths that are worked on at once, whole and in pieces.
+TEST(Aes, AllWaysAgreeAndDecryptionUndoesEncryption)
+{
+    RandomTexts random;
+    std::string letters(256, '\0');
+    std::iota(letters.begin(), letters.end(), '\0');
+    for (std::size_t count = 0; count < 70; ++count) {
+        const auto keys = KeysOf(random.Make(letters, 16 + 8 * (count % 3)));
+        const std::string chain = random.Make(letters, 16), plain = random.Make(letters, 16 * count);
+        const std::string encrypted =
+            Chained(Aes::UsableImplementations().back().encrypt, keys, chain, plain);
+        for (const auto& way : Aes::UsableImplementations())
+            for (const std::size_t step : {1u, 5u, 17u, 33u, 70u}) {
+                ASSERT_EQ(Chained(way.encrypt, keys, chain, plain, step), encrypted) << way.name << count;
+                ASSERT_EQ(Chained(way.decrypt, keys, chain, encrypted, step), plain) << way.name << count;
+            }
+    }
+}
+
+// ---- texts ----------------------------------------------------------------------------------------------
 
 using std::string;
 
@@ -35,19 +94,13 @@ struct Model {
     std::vector<CString> lines{};
 
     explicit Model(const string& key)
-        : hasKey(key.size() == 16 || key.size() == 24 || key.size() == 32),
-          keys(Aes::ExpandKey({reinterpret_cast<const BYTE*>(key.data()), key.size()}))
+        : hasKey(key.size() == 16 || key.size() == 24 || key.size() == 32), keys(KeysOf(key))
     {
     }
 
     string Chain(const string& in, Aes::ChainFunction Aes::Implementation::*direction) const
     {
-        string out(in.size(), '\0');
-        Aes::Block chain{};
-        (Aes::UsableImplementations().back().*direction)(keys, chain,
-                                                         reinterpret_cast<const BYTE*>(in.data()),
-                                                         reinterpret_cast<BYTE*>(out.data()), in.size() / 16);
-        return out;
+        return Chained(Aes::UsableImplementations().back().*direction, keys, "", in);
     }
 
     string Encrypt(string text) const
@@ -73,26 +126,22 @@ struct Model {
 
     void DoVerifiedEncryption(const string& text, string& out)
     {
-        if (text.empty())
-            return;
-        for (int attempt = 0; attempt < 10; ++attempt) {
+        string back;
+        for (int attempt = 0; attempt < 10 && !text.empty(); ++attempt) {
             out = Encrypt(text);
-            string back;
-            if (!out.empty() && DecryptText(out, back) && back == text)
+            if (DecryptText(out, back) && back == text)
                 return;
             out.clear();
         }
-        lines.push_back("{E489273C-1E5A-4E46-9091-541813642DD0}" + text);
+        if (!text.empty())
+            lines.push_back("{E489273C-1E5A-4E46-9091-541813642DD0}" + text);
     }
 
     void DoVerifiedDecryption(const string& in, string& out)
     {
-        for (int attempt = 0; attempt < 10; ++attempt) {
-            string again;
-            if (DecryptText(in, out) && Encrypt(out) == in && DecryptText(in, again) && again == out &&
-                Encrypt(again) == in)
+        for (int attempt = 0; attempt < 10; ++attempt)
+            if (DecryptText(in, out) && Encrypt(out) == in)
                 return;
-        }
         string numbers;
         for (const char c : in)
             numbers += (numbers.empty() ? "" : ", ") + std::to_string(static_cast<unsigned char>(c));

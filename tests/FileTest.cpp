@@ -5,12 +5,14 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <map>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "CMemFile.h"
 #include "CStdioFile.h"
-#include "support/ArchiveBytes.h"
+#include "support/Cases.h"
 #include "support/RandomSource.h"
 #include "support/TemporaryFolder.h"
 
@@ -73,32 +75,44 @@ TEST(File, EveryKindOfFileHoldsBytesAlike)
         BehavesAsBytes(*file);
 }
 
+// What stands in a file, - where there is none, and again once "new" is written.
 TEST(File, ModesDecideWhatOpenDoesWithWhatIsThere)
 {
     const TemporaryFolder folder;
     constexpr UINT Create = CFile::modeCreate, Keep = CFile::modeCreate | CFile::modeNoTruncate;
-    const struct {
-        UINT flags;
-        const char *existing, *after; // once "new" is written; nullptr where there is none
-    } rows[] = {{CFile::modeRead, nullptr, nullptr},
-                {CFile::modeReadWrite, "oldcontent", "newcontent"},
-                {Create | CFile::modeWrite, nullptr, "new"},
-                {Create | CFile::modeWrite, "oldcontent", "new"},
-                {Keep | CFile::modeWrite, "oldcontent", "newcontent"},
-                {Keep | CFile::modeReadWrite, nullptr, "new"}};
-    for (const auto& row : rows) {
-        const std::string path = folder.Path(std::to_string(&row - rows));
-        SCOPED_TRACE(path);
-        if (row.existing != nullptr)
-            folder.Write(std::to_string(&row - rows), row.existing);
+    const std::map<std::string, UINT> modes = {{"read", CFile::modeRead},
+                                               {"change", CFile::modeReadWrite},
+                                               {"create", Create | CFile::modeWrite},
+                                               {"keep", Keep | CFile::modeWrite},
+                                               {"keep and read", Keep | CFile::modeReadWrite}};
+    for (const auto& [mode, before, after] : Cases<3>("file modes")) {
+        SCOPED_TRACE(mode + ' ' + before);
+        const std::string name = mode + before;
+        if (before != "-")
+            folder.Write(name, before);
         CFile file;
         CFileException error;
-        ASSERT_EQ(file.Open(path.c_str(), row.flags | CFile::shareDenyNone, &error), row.after != nullptr);
+        ASSERT_EQ(file.Open(folder.Path(name).c_str(), modes.at(mode) | CFile::shareDenyNone, &error),
+                  after != "-");
         EXPECT_EQ(error.m_cause, file.IsOpen() ? CFileException::none : CFileException::fileNotFound);
         if (file.IsOpen())
             file.Write("new", 3);
         file.Close();
-        EXPECT_EQ(folder.Read(std::to_string(&row - rows)), row.after == nullptr ? "" : row.after);
+        EXPECT_EQ(folder.Has(name) ? folder.Read(name) : "-", after);
+    }
+}
+
+void ExpectFailure(const std::function<void()>& operation, int cause, int error, const std::string& file)
+{
+    SCOPED_TRACE(cause);
+    try {
+        operation();
+        ADD_FAILURE();
+    } catch (const CFileException& exception) {
+        EXPECT_EQ(exception.m_cause, cause);
+        EXPECT_EQ(exception.m_lOsError, error);
+        EXPECT_EQ(exception.m_strFileName, file.c_str());
+        EXPECT_NE(std::string(exception.what()).find(file), std::string::npos);
     }
 }
 
@@ -108,33 +122,17 @@ TEST(File, FailuresNameTheFileAndTheReason)
     const std::string missing = folder.Path("missing.txt");
     CFile closed, full;
     closed.Close();
-    const bool isFull = full.Open("/dev/full", CFile::modeWrite);
     char c = 0;
-    const struct {
-        std::function<void()> operation;
-        int cause, error;
-        std::string file;
-    } rows[] = {{[&] { CFile(missing.c_str(), CFile::modeRead); }, CFileException::fileNotFound, 2, missing},
-                {[&] { CFile::Remove(missing.c_str()); }, CFileException::fileNotFound, 2, missing},
-                {[&] { CFile::Rename(missing.c_str(), "x"); }, CFileException::fileNotFound, 2, missing},
-                {[&] { full.Write(&c, 1); }, isFull ? CFileException::diskFull : CFileException::invalidFile,
-                 isFull ? 112 : 0, isFull ? "/dev/full" : ""},
-                {[&] { closed.Read(&c, 1); }, CFileException::invalidFile, 0, ""},
-                {[&] { closed.Write(&c, 1); }, CFileException::invalidFile, 0, ""},
-                {[&] { closed.GetLength(); }, CFileException::invalidFile, 0, ""},
-                {[&] { closed.Flush(); }, CFileException::invalidFile, 0, ""}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        try {
-            row.operation();
-            ADD_FAILURE();
-        } catch (const CFileException& exception) {
-            EXPECT_EQ(exception.m_cause, row.cause);
-            EXPECT_EQ(exception.m_lOsError, row.error);
-            EXPECT_EQ(exception.m_strFileName, row.file.c_str());
-            EXPECT_NE(std::string(exception.what()).find(row.file), std::string::npos);
-        }
-    }
+    const auto open = [&] { CFile(missing.c_str(), CFile::modeRead); };
+    ExpectFailure(open, CFileException::fileNotFound, 2, missing);
+    ExpectFailure([&] { CFile::Remove(missing.c_str()); }, CFileException::fileNotFound, 2, missing);
+    ExpectFailure([&] { CFile::Rename(missing.c_str(), "x"); }, CFileException::fileNotFound, 2, missing);
+    if (full.Open("/dev/full", CFile::modeWrite))
+        ExpectFailure([&] { full.Write(&c, 1); }, CFileException::diskFull, 112, "/dev/full");
+    ExpectFailure([&] { closed.Read(&c, 1); }, CFileException::invalidFile, 0, "");
+    ExpectFailure([&] { closed.Write(&c, 1); }, CFileException::invalidFile, 0, "");
+    ExpectFailure([&] { closed.GetLength(); }, CFileException::invalidFile, 0, "");
+    ExpectFailure([&] { closed.Flush(); }, CFileException::invalidFile, 0, "");
 }
 
 TEST(File, FilesAreNamedMovedAndRemoved)
@@ -151,17 +149,19 @@ TEST(File, FilesAreNamedMovedAndRemoved)
         EXPECT_TRUE(second.Open(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone));
     }
     CFile::Rename(path.c_str(), other.c_str());
-    CFileStatus status;
-    EXPECT_FALSE(CFile::GetStatus(path.c_str(), status));
-    ASSERT_TRUE(CFile::GetStatus(other.c_str(), status));
-    EXPECT_TRUE(status.m_size == 5 && !status.m_readOnly && !status.m_folder);
     std::filesystem::permissions(other, std::filesystem::perms::owner_read);
-    ASSERT_TRUE(CFile::GetStatus(other.c_str(), status));
-    EXPECT_TRUE(status.m_size == 5 && status.m_readOnly);
-    ASSERT_TRUE(CFile::GetStatus(folder.Path().c_str(), status));
-    EXPECT_TRUE(status.m_folder);
-    CFile::Remove(folder.Write("report.old.txt", "").c_str());
-    EXPECT_FALSE(std::filesystem::exists(path));
+    const auto expectStatus = [](const std::string& name, uint64 size, bool isReadOnly, bool isFolder) {
+        CFileStatus status;
+        ASSERT_TRUE(CFile::GetStatus(name.c_str(), status));
+        EXPECT_TRUE(status.m_readOnly == isReadOnly && status.m_folder == isFolder) << name;
+        EXPECT_TRUE(isFolder || status.m_size == size) << name;
+    };
+    expectStatus(other, 5, true, false);
+    expectStatus(folder.Write("report.old.txt", "1"), 1, false, false);
+    expectStatus(folder.Path(), 0, false, true);
+    CFile::Remove(path.c_str());
+    CFileStatus status;
+    EXPECT_FALSE(CFile::GetStatus(path.c_str(), status) || folder.Has("report.old.txt"));
 }
 
 TEST(MemFile, AttachedBytesStayTheirOwners)
@@ -177,15 +177,12 @@ TEST(MemFile, AttachedBytesStayTheirOwners)
     EXPECT_EQ(fixed.Detach(), bytes);
     EXPECT_EQ(fixed.GetLength(), 0u);
 
-    CMemFile growing(bytes, sizeof bytes, 1);
-    EXPECT_EQ(growing.GetLength(), 0u);
+    CMemFile growing(bytes, sizeof bytes, 1); // a copy from the first byte on that has no room
     growing.Write("abc", 3);
-    EXPECT_EQ(bytes[0], 'a');
     growing.Write("defgh", 5);
-    EXPECT_EQ(ContentOf(growing), "abcdefgh");
-    EXPECT_EQ(bytes[3], 'y');
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(bytes), 4), "abcy");
     BYTE* const own = growing.Detach();
-    EXPECT_EQ(own[7], 'h');
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(own), 8), "abcdefgh");
     std::free(own);
 }
 
@@ -199,6 +196,141 @@ TEST(MemFile, PositionsBeyondAllMemoryAreRefused)
     char c = 0;
     EXPECT_EQ(file.Read(&c, 1), 0u);
     EXPECT_EQ(file.GetLength(), 0u);
+}
+
+// ---- lines ----------------------------------------------------------------------------------------------
+
+constexpr std::size_t Buffer = 1 << 16;
+
+std::vector<std::string> Lines(const std::string& path, UINT mode)
+{
+    CStdioFile file(path.c_str(), CFile::modeRead | mode);
+    std::vector<std::string> lines;
+    CString line("left over");
+    while (file.ReadString(line))
+        lines.emplace_back(line.View());
+    EXPECT_TRUE(line.IsEmpty());
+    return lines;
+}
+
+// By the rule, one character after the other.
+std::string AsText(const std::string& bytes)
+{
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        if (bytes[i] != '\r' || i + 1 == bytes.size() || bytes[i + 1] != '\n')
+            text += bytes[i];
+    return text;
+}
+
+std::vector<std::string> SplitLines(const std::string& text)
+{
+    std::vector<std::string> lines(1);
+    for (const char c : text)
+        if (c == '\n')
+            lines.emplace_back();
+        else
+            lines.back() += c;
+    if (lines.back().empty())
+        lines.pop_back();
+    return lines;
+}
+
+// Few letters, so that line ends of all kinds meet, in runs of which some reach over the buffer's end.
+std::string RandomText(RandomSource& random)
+{
+    const std::string letters("\r\n\0ab\xE9", 6);
+    const auto length = Buffer * (random() % 3) + random() % 5;
+    std::string text;
+    while (text.size() < length)
+        text.append(random() % 50 == 0 ? random() % 30'000 : 1, letters[random() % letters.size()]);
+    text.resize(length);
+    return text;
+}
+
+TEST(StdioFile, ReadsAndWritesByTheRuleAtAllSizes)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("file");
+    RandomSource random;
+    const std::string hard[] = {"", "a\r\n\r\nb", "a\rb\r", "a\r\r\n",
+                                std::string(Buffer - 1, 'x') + "\r\ny"};
+    for (std::size_t round = 0; round < 50; ++round) {
+        const bool isText = round % 2 == 0;
+        const UINT mode = isText ? CFile::typeText : CFile::typeBinary;
+        const std::string bytes = round / 2 < std::size(hard) ? hard[round / 2] : RandomText(random);
+        const std::string expected = isText ? AsText(bytes) : bytes;
+        folder.Write("file", bytes);
+        ASSERT_EQ(Lines(path, mode), SplitLines(expected));
+        CStdioFile reader(path.c_str(), CFile::modeRead | mode);
+        std::string text;
+        for (std::size_t got = 1; got > 0;) {
+            std::string piece(1 + random() % 20'000, '#');
+            piece.resize(got = reader.Read(piece.data(), piece.size()));
+            text += piece;
+        }
+        ASSERT_EQ(text, expected);
+        EXPECT_EQ(reader.GetPosition(), bytes.size());
+        reader.Close();
+
+        std::string written;
+        for (const char c : bytes)
+            written += isText && c == '\n' ? std::string("\r\n") : std::string(1, c);
+        CStdioFile writer(path.c_str(), CFile::modeCreate | CFile::modeWrite | mode);
+        for (std::string_view rest = bytes; !rest.empty();) {
+            const CString piece(rest.substr(0, 1 + random() % 20'000));
+            rest.remove_prefix(piece.View().size());
+            if (random() % 2 == 0)
+                writer.Write(piece.GetString(), piece.View().size());
+            else
+                writer.WriteString(piece);
+        }
+        EXPECT_EQ(writer.GetPosition(), written.size());
+        EXPECT_EQ(writer.GetLength(), written.size());
+        writer.Close();
+        ASSERT_EQ(folder.Read("file"), written);
+    }
+}
+
+TEST(StdioFile, WritingGoesOnBehindTheLineThatWasRead)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("file");
+    folder.Write("file", "one\r\ntwo\r\nthree\r\n");
+    CStdioFile file(path.c_str(), CFile::modeReadWrite);
+    CString line;
+    EXPECT_TRUE(file.ReadString(line));
+    file.WriteString("T\nO"); // over what the reader would get next
+    EXPECT_EQ(file.GetPosition(), 9U);
+    EXPECT_TRUE(file.ReadString(line));
+    EXPECT_EQ(line, "");
+    file.WriteString(static_cast<const char*>(nullptr));
+    file.SetLength(4);
+    file.WriteString("\n");
+    file.Flush();
+    EXPECT_EQ(folder.Read("file"), "one\r\r\n");
+}
+
+TEST(StdioFile, WhatCannotBeWrittenIsReportedByTheLatestOnClosing)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("file");
+    folder.Write("file", "kept");
+    CStdioFile file(path.c_str(), CFile::modeRead);
+    file.WriteString("x");
+    EXPECT_THROW(file.Close(), CFileException);
+    file.WriteString("x");
+    CFileException error;
+    EXPECT_FALSE(file.Open(path.c_str(), CFile::modeRead, &error));
+    EXPECT_EQ(error.m_cause, CFileException::accessDenied);
+    EXPECT_THROW(file.WriteString("x"), CFileException);
+    CString line;
+    EXPECT_THROW(file.ReadString(line), CFileException);
+    CStdioFile(path.c_str(), CFile::modeWrite).WriteString("Ke"); // the destructor writes
+    CStdioFile writer(path.c_str(), CFile::modeWrite);
+    writer.WriteString("lost");
+    writer.Abort();
+    EXPECT_EQ(folder.Read("file"), "Kept");
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include "TextArray.h"
 #include "VersionNumber.h"
 #include "support/ArchiveBytes.h"
+#include "support/Cases.h"
 #include "support/TemporaryFolder.h"
 
 namespace {
@@ -20,12 +21,7 @@ constexpr int Max = std::numeric_limits<int>::max();
 
 TEST(NextIDMgr, NeverHandsOutWhatIsInUse)
 {
-    const struct {
-        int next, update, wanted;
-    } cases[] = {{0, -5, 0},     {0, 0, 1},   {3, 10, 11},    {12, 10, 12},    {3, 3, 4},
-                 {3, 2, 3},      {3, Min, 3}, {3, Max, Min},  {Max, Max, Min}, {Max, Max - 1, Max},
-                 {Min, -1, Min}, {Min, 5, 6}, {Min, Max, Min}};
-    for (const auto& [next, update, wanted] : cases) {
+    for (const auto& [next, update, wanted] : NumberCases<int, 3>("next IDs")) {
         SCOPED_TRACE(std::to_string(next) + " with " + std::to_string(update));
         NextIDMgr ids;
         ids.UpdateNextID(next == Min ? Max : next - 1);
@@ -37,26 +33,6 @@ TEST(NextIDMgr, NeverHandsOutWhatIsInUse)
         EXPECT_TRUE(!(copy < copy) && !(copy > copy) && (copy < ids) == (wanted < Max - 1));
     }
     EXPECT_TRUE(NextIDMgr::IsValidID(0) && !NextIDMgr::IsValidID(-1) && !NextIDMgr::IsValidID(Min));
-}
-
-TEST(VersionNumber, ReadsTexts)
-{
-    // A dot wins over a comma, and the digits of a piece stand in a row.
-    const struct {
-        CString text;
-        const char* shown;
-    } cases[] = {
-        // clang-format off
-        {"", "0.0.0"}, {" \t\r\n", "0.0.0"}, {"7", "7.0.0"}, {"2,5", "2.5.0"}, {"1..3", "1.0.3"}, {".5", "0.5.0"},
-        {" 2 . 5 . 1 . 9 ", "2.5.1"}, {"5.", "5.0.0"}, {"...", "0.0.0"}, {",,4", "0.0.4"}, {"\xA0", "0.0.0"},
-        {CString("1\0.2", 4), "1.2.0"}, {"1,2.3", "12.3.0"}, {"v1.2 beta 3", "1.23.0"}, {"1.-2.(3)", "1.-2.-3"},
-        {"2147483647.-2147483648.4294967296", "2147483647.-2147483648.0"},
-        // clang-format on
-    };
-    for (const auto& [text, shown] : cases) {
-        EXPECT_EQ(VersionNumber(text).GetString(), shown) << text;
-        EXPECT_EQ(VersionNumber(CString(shown)).GetString(), shown);
-    }
 }
 
 TEST(VersionNumber, IsOrderedByItsParts)
@@ -78,36 +54,16 @@ ExternalAppRun App(const CString& path, const CString& initDir, const CString& t
     return app;
 }
 
-TEST(ExternalAppRun, ComparesTitleOrPath)
-{
-    // A title and a path of one character each.
-    const char* const cases[][3] = {
-        // clang-format off
-        {"ap", "ap", ""}, {"ap", "bp", "<"}, {"bp", "ap", ">"}, {"ap", "aq", "<"}, {"aq", "ap", ">"}, {"aq", "bp", "<>"},
-        {"bp", "aq", "<>"}, {"Bp", "ap", "<"}, {"\xE9p", "zp", ">"},
-        // clang-format on
-    };
-    for (const auto& [one, other, signs] : cases) {
-        const ExternalAppRun a = App(one + 1, "", CString(one, 1)),
-                             b = App(other + 1, "x", CString(other, 1));
-        EXPECT_EQ(std::string(a < b ? "<" : "") + (a > b ? ">" : ""), signs) << one << ' ' << other;
-    }
-}
-
 TEST(ExternalAppRun, RunsOnlyWithAPathAndAFolderThatExist)
 {
     const TemporaryFolder folder;
-    const CString there(folder.Write("plain", "no program")), missing(folder.Path("missing"));
-    const struct {
-        CString path, initDir;
-        bool canRun;
-    } cases[] = {{there, folder.Path(), true}, {folder.Path(), there, true},
-                 {there, "", false},           {there, " \t", false},
-                 {"", there, false},           {missing, there, false},
-                 {there, missing, false},      {there + CString('\0'), there, false}};
-    for (const auto& [path, initDir, canRun] : cases) {
-        const ExternalAppRun app = App(path, initDir, "");
-        EXPECT_EQ(app.CanRun(), canRun) << path << " in " << initDir;
+    folder.Write("plain", "no program");
+    const auto inFolder = [&](const std::string& name) {
+        return name.starts_with('@') ? folder.Path(name.substr(1)) : name;
+    };
+    for (const auto& [path, initDir, canRun] : Cases<3>("runnable")) {
+        const ExternalAppRun app = App(inFolder(path), inFolder(initDir), "");
+        EXPECT_EQ(app.CanRun(), canRun == "1") << path << " in " << initDir;
         EXPECT_FALSE(app.Run()); // none of these is a program
     }
 }
@@ -118,12 +74,11 @@ TEST(ExternalAppRun, RunsOnlyWithAPathAndAFolderThatExist)
 MRUApplications Of(const std::vector<std::string>& texts)
 {
     MRUApplications applications;
-    LoadFrom(StoredBy([&](CArchive& archive) {
-                 archive << WORD{4} << uint64{texts.size() / 2};
-                 for (const std::string& text : texts)
-                     archive << text;
-             }),
-             [&](CArchive& archive) { applications.Serialize(archive); });
+    Load(applications, StoredBy([&](CArchive& archive) {
+             archive << WORD{4} << uint64{texts.size() / 2};
+             for (const std::string& text : texts)
+                 archive << text;
+         }));
     return applications;
 }
 
@@ -165,22 +120,17 @@ TEST(MruApplications, TakesFilesOnceAndTheNewestFirst)
 
 TEST(MruApplications, FindsByPathBeforeName)
 {
-    const std::pair<const char*, const char*> cases[] = {{"/2", "/2|/1|a|"}, {"B", "/2|/1|a|"},
-                                                         {"A", "a|/1|/2|"},  {"/1", "/1|/2|a|"},
-                                                         {"c", nullptr},     {"", nullptr}};
-    for (const auto& [text, paths] : cases) {
+    for (const auto& [text, isFound, paths] : Cases<3>("recent applications")) {
         MRUApplications applications = Of({"a", "/1", "b", "/2", "A", "a"});
-        EXPECT_EQ(applications.MoveToTop(text), paths != nullptr) << text;
-        EXPECT_EQ(PathsOf(applications), paths != nullptr ? paths : "/1|/2|a|") << text;
+        EXPECT_EQ(applications.MoveToTop(text), isFound == "1") << text;
+        EXPECT_EQ(PathsOf(applications), paths) << text;
     }
 }
 
 TEST(MruApplications, NamesFillUpToTwentyAndAtLeastOne)
 {
     const std::string letters = "abcdefghijklmnopqrstuvwxyzABCD";
-    const std::size_t cases[][3] = {{3, 0, 3},   {3, 1, 2},   {3, 2, 1},   {3, 3, 1},   {3, 50, 1}, {0, 0, 0},
-                                    {30, 0, 20}, {30, 7, 13}, {30, 19, 1}, {30, 20, 1}, {20, 0, 20}};
-    for (const auto& [count, before, wanted] : cases) {
+    for (const auto& [count, before, wanted] : NumberCases<std::size_t, 3>("recent names")) {
         std::vector<std::string> texts;
         for (std::size_t i = 0; i < count; ++i)
             texts.insert(texts.end(), {letters.substr(i, 1), "/"});

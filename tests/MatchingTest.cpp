@@ -3,7 +3,6 @@
 #include <climits>
 
 #include "StringUtils.h"
-#include "support/Cases.h"
 #include "support/RandomTexts.h"
 #include "support/TextModels.h"
 
@@ -124,14 +123,6 @@ TEST(Matching, TakesLongTexts)
             EXPECT_EQ(StringUtils::MatchSpec(text, spec, flag), SlowSpec(text, spec, flag)) << spec;
     const CString almost = CString('*') + CString('A', 100000) + "b*";
     EXPECT_FALSE(StringUtils::MatchSpec(CString('a', 3000000), almost, false));
-}
-
-TEST(Matching, OfSeveralTextsSkipsEmptyOnesAndStopsAtNothing)
-{
-    for (const auto& [items, common, noCase] : Cases<3>("common texts")) {
-        EXPECT_EQ(StringUtils::GetCommonText(ListOf(items), true), common) << items;
-        EXPECT_EQ(StringUtils::GetCommonText(ListOf(items), false), noCase) << items;
-    }
 }
 
 TEST(Matching, CutsPartsAtTheEndsOfTheText)

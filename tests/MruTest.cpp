@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <limits>
 #include <set>
 
@@ -122,18 +121,6 @@ struct SlowTimes : Ranked<uint64> {
 };
 
 template <class Lists>
-std::string StoredBytesOf(Lists& lists)
-{
-    return StoredBy([&](CArchive& archive) { lists.Serialize(archive); });
-}
-
-template <class Lists>
-void Load(Lists& lists, const std::string& bytes)
-{
-    LoadFrom(bytes, [&](CArchive& archive) { lists.Serialize(archive); });
-}
-
-template <class Lists>
 void Reload(Lists& lists)
 {
     if constexpr (requires { lists.AfterReload(); })
@@ -190,19 +177,9 @@ CString RandomText(RandomTexts& random)
            std::string("\0x", random.OneIn(10) ? 2 : 0);
 }
 
-// One operation for the lists and for their model.
-template <class Lists, class Slow>
-struct Operation {
-    template <class Change>
-    Operation(Change change) : lists(change), slow(change)
-    {
-    }
-    std::function<void(Lists&)> lists;
-    std::function<void(Slow&)> slow;
-};
-
-template <class Lists, class Slow, class Choose>
-void Follow(RandomTexts& random, Choose choose)
+// Draws changes and makes each of them to the lists and to their model.
+template <class Lists, class Slow, class Draw>
+void Follow(Draw draw)
 {
     Lists lists, assigned;
     Slow slow;
@@ -210,9 +187,9 @@ void Follow(RandomTexts& random, Choose choose)
         assigned = lists;
         const Lists copy = assigned;
         Slow before = slow;
-        const Operation<Lists, Slow> operation = choose(RandomText(random), RandomText(random));
-        operation.lists(lists);
-        operation.slow(slow);
+        const auto change = draw();
+        change(lists);
+        change(slow);
         ASSERT_NO_FATAL_FAILURE(ExpectSame(lists, slow)) << "step " << step;
         ASSERT_NO_FATAL_FAILURE(ExpectSame(copy, before)) << "the copy, step " << step;
     }
@@ -221,38 +198,39 @@ void Follow(RandomTexts& random, Choose choose)
 TEST(MruArray, FollowsItsRulesThroughRandomOperations)
 {
     RandomTexts random;
-    using Step = Operation<MRUArray, SlowLists>;
-    Follow<MRUArray, SlowLists>(random, [&](const CString& text, const CString& other) {
+    Follow<MRUArray, SlowLists>([&] {
         const auto limit = [&] { return random.OneIn(8) ? random.Below(15) : 1000; }; // mostly long lists
-        const uint64 recent = limit(), popular = limit();
-        const Step add = [=](auto&l) { l.Add(text); }, clear = [](auto&l) { l.Clear(); };
-        const Step remove = [=](auto& l) { l.Remove(text); };
-        const Step steps[] = {[=](auto& l) { l.AddToRecent(text); },
-                              [=](auto& l) { l.AddToPopular(text); },
-                              remove,
-                              remove,
-                              [=](auto& l) { l.ReplaceInAll(text, other); },
-                              [=](auto& l) { l.SetRestrictions(recent, popular); },
-                              [=](auto& l) { Reload(l); }};
-        return random.OneIn(500) ? clear : random.OneIn(2) ? add : random.Pick(steps);
+        return [text = RandomText(random), other = RandomText(random), recent = limit(), popular = limit(),
+                what = random.OneIn(500) ? 99 : random.Below(14)](auto& lists) {
+            what == 0    ? lists.AddToRecent(text)
+            : what == 1  ? lists.AddToPopular(text)
+            : what == 2  ? lists.ReplaceInAll(text, other)
+            : what == 3  ? lists.SetRestrictions(recent, popular)
+            : what == 4  ? Reload(lists)
+            : what < 7   ? lists.Remove(text)
+            : what == 99 ? lists.Clear()
+                         : lists.Add(text);
+        };
     });
 }
 
 TEST(MruArrayByTime, FollowsItsRulesThroughRandomOperations)
 {
     RandomTexts random;
-    using Step = Operation<MRUArrayByTime, SlowTimes>;
-    Follow<MRUArrayByTime, SlowTimes>(random, [&](const CString& text, const CString& other) {
+    Follow<MRUArrayByTime, SlowTimes>([&] {
         const uint64 duration = random.OneIn(50) ? ~uint64{0} - random.Below(5) : random.Below(5);
         TextArray keep;
         for (std::size_t count = random.Below(30); count > 0; --count)
             keep.Add(RandomText(random));
-        const Step add = [=](auto&t) { t.Add(text, duration); }, trim = [=](auto&t) { t.RemoveAllBut(keep); };
-        const Step remove = [=](auto& t) { t.Remove(text); };
-        const Step steps[] = {
-            [=](auto& t) { t.ApplyDuration(text, duration); }, // may hold it twice from now on
-            remove, remove, [=](auto& t) { t.Rename(text, other); }, [=](auto& t) { Reload(t); }};
-        return random.OneIn(200) ? trim : random.OneIn(2) ? add : random.Pick(steps);
+        return [=, text = RandomText(random), other = RandomText(random),
+                what = random.OneIn(200) ? 99 : random.Below(10)](auto& times) {
+            what == 0    ? times.ApplyDuration(text, duration) // may hold it twice from now on
+            : what == 1  ? times.Rename(text, other)
+            : what == 2  ? Reload(times)
+            : what < 5   ? times.Remove(text)
+            : what == 99 ? times.RemoveAllBut(keep)
+                         : times.Add(text, duration);
+        };
     });
 }
 
@@ -284,6 +262,16 @@ TEST(MruArrayByTime, ReadsManyTotalsBack)
     MRUArrayByTime loaded = times;
     Reload(loaded);
     EXPECT_TRUE(StoredBytesOf(loaded) == StoredBytesOf(times));
+}
+
+// Where each of them looked through all the others this would take minutes.
+TEST(MruArrayByTime, ManyEqualTextsGoAtOnce)
+{
+    MRUArrayByTime times;
+    for (uint64 i = 0; i < 200'000; ++i)
+        times.ApplyDuration("same", i % 7);
+    times.RemoveAllBut(TextArray());
+    EXPECT_FALSE(times.HavePopular());
 }
 
 } // namespace

@@ -1,9 +1,10 @@
-// KVTDouble, CPI, Prime, RandomNumberGen and TimingUtils; Statistics has a test of its own.
+// KVTDouble, CPI, Prime, RandomNumberGen, TimingUtils and Statistics.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <map>
 #include <set>
@@ -13,6 +14,7 @@
 #include "KVTDouble.h"
 #include "Prime.h"
 #include "RandomNumberGen.h"
+#include "Statistics.h"
 #include "TimingUtils.h"
 #include "platform/Platform.h"
 #include "support/Cases.h"
@@ -27,11 +29,6 @@ constexpr uint64 last64 = 18446744073709551615u;
 
 TEST(TolerantComparison, IsStrictAndFalseForWhatHasNoDifference)
 {
-    for (const auto& cells : Cases<4>("tolerances")) {
-        const auto number = [&](std::size_t cell) { return std::strtod(cells[cell].c_str(), nullptr); };
-        EXPECT_EQ(KVTDouble::IsEqual(number(0), number(1), number(2)), cells[3] == "1")
-            << testing::PrintToString(cells);
-    }
     for (const double zero : {-0.0, -0.0009, std::nextafter(0.001, 0.0)})
         EXPECT_TRUE(KVTDouble::IsZero(zero)) << zero;
     for (const double other : {0.001, -0.001, nan})
@@ -97,14 +94,6 @@ TEST(Primes, InARangeAreAppendedUpToTheEndOfTheType)
     EXPECT_EQ(PrimesInRange(0, 10000000).size(), 664579u); // the published count; many windows of the sieve
 }
 
-TEST(Primes, AreSearchedBelowALimitAndForTablesAFifthFurther)
-{
-    for (const auto& [from, prime] : Cases<2>("nearest primes"))
-        EXPECT_EQ(Prime::GetNearestPrimeNumber(std::stoull(from)), std::stoull(prime)) << from;
-    for (const auto& [count, size] : Cases<2>("table sizes"))
-        EXPECT_EQ(Prime::CalculateHashTableSize(std::stoull(count)), std::stoull(size)) << count;
-}
-
 // ---- random numbers, and the stopwatch ------------------------------------------------------------------
 
 TEST(RandomNumbers, AreEquallyLikelyAndKeepToEveryRangeOfInt)
@@ -128,18 +117,16 @@ TEST(RandomNumbers, AreEquallyLikelyAndKeepToEveryRangeOfInt)
 
 TEST(RandomNumbers, ShuffleIntoEveryOrder)
 {
-    std::vector<int> none;
-    RandomNumberGen::RandomShuffle(none);
-    EXPECT_TRUE(none.empty());
     std::set<std::vector<int>> orders;
-    const std::vector<int> sorted = {1, 2, 3};
-    std::vector<int> three = sorted;
+    std::vector<int> none, three = {1, 2, 3};
+    RandomNumberGen::RandomShuffle(none);
     for (int round = 0; round < 100000 && orders.size() < 6; ++round) {
         RandomNumberGen::RandomShuffle(three);
         orders.insert(three);
-        EXPECT_TRUE(std::is_permutation(three.begin(), three.end(), sorted.begin()));
     }
     EXPECT_EQ(orders.size(), 6u);
+    for (const auto& order : orders)
+        EXPECT_TRUE(std::is_permutation(order.begin(), order.end(), three.begin()));
 }
 
 TEST(TimingUtils, MeasuresFromTheLastStartOnceEach)
@@ -157,6 +144,63 @@ TEST(TimingUtils, MeasuresFromTheLastStartOnceEach)
     EXPECT_GE(elapsed, beforeStop - afterStart);
     EXPECT_LE(elapsed, GetTickCount() - beforeStart);
     EXPECT_EQ(watch.Stop(), 0u);
+}
+
+// ---- samples --------------------------------------------------------------------------------------------
+
+using Sample = std::vector<double>;
+
+Sample Values(const std::string& cell)
+{
+    Sample values;
+    for (const std::string& value : CellsOf(cell, ' '))
+        if (!value.empty())
+            values.push_back(std::strtod(value.c_str(), nullptr));
+    return values;
+}
+
+TEST(Statistics, AreThoseOfTheTable)
+{
+    for (const auto& cells : Cases<7>("sample")) {
+        SCOPED_TRACE(cells[0]);
+        const Sample sample = Values(cells[0]);
+        double minimum = -1, maximum = -1;
+        Statistics::GetSampleRange(sample, minimum, maximum);
+        std::size_t cell = 0;
+        for (const double result : {Statistics::GetSumTotal(sample), Statistics::GetSampleMean(sample),
+                                    Statistics::GetSampleMedian(sample),
+                                    Statistics::GetSampleStandardDeviation(sample), minimum, maximum}) {
+            const double expected = std::strtod(cells[++cell].c_str(), nullptr);
+            EXPECT_EQ(std::isnan(result), std::isnan(expected)) << cell;
+            EXPECT_DOUBLE_EQ(std::isnan(result) ? 0 : result, std::isnan(expected) ? 0 : expected) << cell;
+        }
+    }
+}
+
+TEST(SampleMode, CutsTowardZeroAndTheFirstMetWinsATie)
+{
+    std::size_t count = 77;
+    for (const auto& [values, mode, occurrence] : Cases<3>("mode")) {
+        EXPECT_EQ(Statistics::GetSampleMode(Values(values), count), std::stoi(mode)) << values;
+        EXPECT_EQ(count, std::stoull(occurrence)) << values;
+    }
+}
+
+TEST(TrimSample, TakesAsManyFromBothEnds)
+{
+    for (const auto& [values, percent, kept] : Cases<3>("trim")) {
+        Sample sample = Values(values);
+        Statistics::TrimSample(sample, std::stoull(percent));
+        EXPECT_EQ(sample, Values(kept)) << values << " by " << percent;
+    }
+    // With a NaN, only sorted.
+    Sample sample(100, std::nan(""));
+    for (std::size_t i = 0; i < sample.size(); i += 3)
+        sample[i] = static_cast<double>(sample.size() - i);
+    Statistics::TrimSample(sample, 20);
+    ASSERT_EQ(sample.size(), 100u);
+    EXPECT_TRUE(std::is_sorted(sample.begin(), sample.begin() + 34));
+    EXPECT_TRUE(sample[33] == 100 && std::isnan(sample[34]));
 }
 
 } // namespace

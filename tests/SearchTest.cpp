@@ -4,7 +4,7 @@
 #include <climits>
 
 #include "StringUtils.h"
-#include "support/Cases.h"
+#include "framework/TextSearch.h"
 #include "support/RandomTexts.h"
 #include "support/TextModels.h"
 
@@ -134,49 +134,84 @@ TEST(Search, TakesLinearTimeOnTextsThatAlmostMatchEverywhere)
     EXPECT_FALSE(StringUtils::IsInTextBlock(text, wanted, "c", false));
 }
 
-// Without case NUL and all bytes of 128 or more are one character.
-TEST(Search, FindsCharacters)
+// ---- what they are made of ------------------------------------------------------------------------------
+
+using TextSearch::ByteFold;
+using TextSearch::Candidates;
+
+// Every instruction set the processor has must give the same blocks; the library itself uses the best only.
+TEST(SearchCandidates, AreTheSameWithEveryInstructionSet)
 {
-    const CString text("xA\xC9\0z", 5);
-    for (const auto& [c, caseSensitive, start, at] : Cases<4>("characters")) {
-        int pos = 7;
-        EXPECT_EQ(StringUtils::Find(text, c[0], caseSensitive == "1", pos, std::stoi(start)), at != "-1");
-        EXPECT_EQ(pos, std::stoi(at)) << c << " from " << start;
-        EXPECT_EQ(StringUtils::Contains(text, c[0], caseSensitive == "1", std::stoi(start)), at != "-1");
+    RandomTexts random;
+    for (int round = 0; round < 2000; ++round) {
+        const std::string made = random.OneIn(2)
+                                     ? random.Make(std::string("abc"), 300 + random.Below(1000))
+                                     : random.Make(Words("a A b B \x80 \xFF"), 300 + random.Below(1000));
+        const std::vector<char> text(made.begin(), made.end()); // so that sanitizers see reads behind it
+        const std::size_t offset = random.Below(16);
+        const Candidates::Pair pair{text.data(), text.data() + offset, {'a', 0x20}, {'b', 0}};
+        const std::size_t end = text.size() - offset - random.Below(9);
+        for (std::size_t from = random.Below(64); from < end;) {
+            Candidates::Bits expected{};
+            const std::size_t base = Candidates::UsableScans().back()(pair, from, end, expected);
+            for (const auto scan : Candidates::UsableScans()) {
+                Candidates::Bits bits{};
+                ASSERT_EQ(scan(pair, from, end, bits), base);
+                ASSERT_EQ(bits, expected);
+            }
+            for (std::size_t i = 0; base + Candidates::BlockSize <= end && i < Candidates::BlockSize; ++i)
+                ASSERT_EQ((expected[i / 64] >> i % 64 & 1) != 0,
+                          (text[base + i] == 'a' || text[base + i] == 'A') && text[base + i + offset] == 'b');
+            from = base + Candidates::BlockSize;
+        }
     }
 }
 
-TEST(Search, OfAllWordsNeedsEachOfThem)
+void ExpectOccurrences(const std::string& text, const std::string& wanted, const ByteFold& fold)
 {
-    for (const auto& [words, text, anywhere, whole] : Cases<4>("all words")) {
-        SCOPED_TRACE(words);
-        EXPECT_EQ(StringUtils::FindAllWords(ListOf(words), text, false, false, false), std::stoi(anywhere));
-        EXPECT_EQ(StringUtils::FindAllWords(ListOf(words), text, true, false, false), std::stoi(whole));
+    const auto isEqual = [&](char a, char b) { return fold(a) == fold(b); };
+    TextSearch::Occurrences occurrences(text, wanted, fold);
+    auto slow = text.begin();
+    for (std::size_t from = 0; from != TextSearch::None; from += wanted.size()) {
+        slow = std::search(slow, text.end(), wanted.begin(), wanted.end(), isEqual);
+        ASSERT_EQ(occurrences.Next(from),
+                  slow == text.end() ? TextSearch::None : std::size_t(slow - text.begin()));
+        if (slow == text.end())
+            return;
+        from = std::size_t(slow - text.begin());
+        slow += static_cast<std::ptrdiff_t>(wanted.size());
     }
 }
 
-TEST(Search, TakesHyphenatedGuidsThatStandAlone)
+// Ranges of bytes that count the same, as locales have them, and one that no bit operation can tell.
+TEST(SearchOccurrences, AreFoundUnderAnyFold)
 {
-    for (const auto& [text, holdsOne] : Cases<2>("guids"))
-        EXPECT_EQ(StringUtils::ContainsGUID(text), holdsOne == "1") << text;
+    const ByteFold folds[] = {
+        ByteFold([](unsigned int byte) { return byte; }),
+        ByteFold([](unsigned int byte) { return byte < 128 ? byte : 0; }),
+        ByteFold([](unsigned int byte) { return byte == 'I' ? 0xFDu : byte; }),
+        ByteFold([](unsigned int byte) { return byte % 7; }),
+        ByteFold([](unsigned int) { return 42u; }),
+    };
+    const std::string alphabet("aIi\xFD\xDD\x07\x0E\0", 8);
+    RandomTexts random;
+    for (int round = 0; round < 4000 && !HasFatalFailure(); ++round)
+        ExpectOccurrences(random.Make(alphabet, random.Below(700)),
+                          random.Make(alphabet, 1 + random.Below(6)), random.Pick(folds));
 }
 
-TEST(Search, ForBlocksComparesTheLastMarkers)
+// Texts made of fronts of a periodic pattern: comparing goes far at most places, so the automaton takes over.
+TEST(SearchOccurrences, AreExactInTextsThatAlmostMatchEverywhere)
 {
-    for (const auto& [text, open, close, ifNeither, ifNot] : Cases<5>("blocks")) {
-        EXPECT_EQ(StringUtils::IsInTextBlock(text, open, close, true), ifNeither == "1") << text;
-        EXPECT_EQ(StringUtils::IsInTextBlock(text, open, close, false), ifNot == "1") << text;
-    }
-}
-
-TEST(Search, ForPairsTakesTheLastOpenerBeforeTheCloser)
-{
-    for (const auto& [text, open, close, n, atOpen, atClose] : Cases<6>("pairs")) {
-        int first = 7, second = 7;
-        EXPECT_EQ(StringUtils::FindOccurrencePair(text, open, close, std::stoi(n), first, second),
-                  atOpen != "-1");
-        EXPECT_EQ(std::pair(first, second), std::pair(std::stoi(atOpen), std::stoi(atClose)))
-            << text << ", n " << n;
+    RandomTexts random;
+    for (int round = 0; round < 60 && !HasFatalFailure(); ++round) {
+        const std::string unit = random.Pick(Words("a ab aab aabaa abaab"));
+        std::string wanted, text;
+        for (std::size_t length = 100 + random.Below(200); wanted.size() < length;)
+            wanted += random.OneIn(50) ? "b" : unit;
+        while (text.size() < 40000)
+            text += random.OneIn(20) ? wanted : wanted.substr(0, wanted.size() - random.Below(60));
+        ExpectOccurrences(text, wanted, TextSearch::Exact);
     }
 }
 

@@ -21,12 +21,11 @@ std::u32string UnitsOf(const std::string& bytes, int encoding)
 {
     std::u32string units;
     const std::size_t size = IsWide(encoding) ? 2 : 1;
-    for (std::size_t i = 0; i + size <= bytes.size(); i += size) {
-        const std::size_t low = encoding == 3 ? i + 1 : i;
-        units += static_cast<unsigned char>(bytes[low]);
-        if (size == 2)
-            units.back() += static_cast<unsigned char>(bytes[2 * i + 1 - low]) * 256U;
-    }
+    const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
+    for (std::size_t i = 0; i + size <= bytes.size(); i += size)
+        units += size == 1       ? byteAt(i)
+                 : encoding == 2 ? byteAt(i) + byteAt(i + 1) * 256U
+                                 : byteAt(i) * 256U + byteAt(i + 1);
     return units;
 }
 
@@ -99,16 +98,14 @@ Texts Model(const std::string& bytes, int encoding, std::size_t fill)
 
 // ---- what is read ---------------------------------------------------------------------------------------
 
-std::unique_ptr<TextFileReader> MakeReader(int encoding, HANDLE file, int bufferSize)
+template <class Reader>
+std::unique_ptr<TextFileReader> Made(HANDLE file, int bufferSize)
 {
-    if (encoding == 2)
-        return std::make_unique<UTF16LE_TextFileReader>("", file, bufferSize);
-    if (encoding == 3)
-        return std::make_unique<UTF16BE_TextFileReader>("", file, bufferSize);
-    if (encoding == 4)
-        return std::make_unique<UTF8_TextFileReader>("", file, bufferSize);
-    return std::make_unique<ANSI_TextFileReader>("", file, bufferSize);
+    return std::make_unique<Reader>("", file, bufferSize);
 }
+constexpr decltype(&Made<ANSI_TextFileReader>) Makers[] = {
+    nullptr, &Made<ANSI_TextFileReader>, &Made<UTF16LE_TextFileReader>, &Made<UTF16BE_TextFileReader>,
+    &Made<UTF8_TextFileReader>};
 
 class TextFileReaders : public testing::Test {
 protected:
@@ -121,7 +118,7 @@ protected:
     Texts Read(const std::string& bytes, int encoding, int bufferSize) const
     {
         const FileHandle file = Open(bytes);
-        const auto reader = MakeReader(encoding, file.Get(), bufferSize);
+        const auto reader = Makers[encoding](file.Get(), bufferSize);
         Texts lines;
         CString line;
         int result = 0;
@@ -171,10 +168,8 @@ TEST_F(TextFileReaders, EndLinesAndDecodeAsTheyAlwaysDid)
         int found = 77;
         TextArray content;
         FileUtils::ReadFileContent(folder.Write("file", bytes), content, true, &found);
-        std::string read;
-        for (const CString& line : content)
-            read.append(line.View()) += ';';
-        EXPECT_EQ(read, lines) << testing::PrintToString(bytes);
+        content.AdjustEntries(";", false);
+        EXPECT_EQ(content.ConvertIntoOneLine(""), lines) << testing::PrintToString(bytes);
         EXPECT_EQ(found, std::stoi(encoding)) << testing::PrintToString(bytes);
     }
 }
@@ -223,6 +218,50 @@ TEST_F(TextFileReaders, EndWhereNothingCanBeRead)
     while (read(shrunk) == TextFileReader::LineDelivered)
         ++count;
     EXPECT_LT(count, 500'000);
+}
+
+// Long stretches of ASCII are taken at once: another letter now and then must stop them, wherever it stands.
+// In UTF-8 letters are written as those of Latin-1.
+TEST_F(TextFileReaders, StopAtFewOtherLettersAmongMuchAscii)
+{
+    RandomTexts random;
+    const CString path(folder.Path("file"));
+    for (const int encoding : Encodings) {
+        SCOPED_TRACE(encoding);
+        TextArray lines;
+        std::string toRead = Marks[encoding], written = Marks[encoding];
+        while (toRead.size() < 600'000) {
+            std::string line(random.Below(random.OneIn(500) ? 140'000 : 100), random.Pick("az"));
+            if (!line.empty() && random.OneIn(8))
+                line[random.Below(line.size())] = random.OneIn(2) || encoding == 4 ? '\xE9' : '\x80';
+            lines.Add(CString(line));
+            toRead += Encoded(line + "\n", encoding);
+            written += Encoded(line + "\r\n", encoding);
+        }
+        folder.Write("file", toRead);
+        EXPECT_TRUE(FileUtils::IsFileContentIdentical(path, lines));
+        EXPECT_TRUE(FileUtils::WriteFileContent(path, lines, true, encoding));
+        EXPECT_TRUE(folder.Read("file") == written);
+    }
+}
+
+TEST_F(TextFileReaders, ShareTheFile)
+{
+    const CString path(folder.Write("file", "\xEF\xBB\xBFx"));
+    for (const bool isWritten : {false, true}) {
+        const FileHandle other(CreateFileA(path, isWritten ? GENERIC_WRITE : GENERIC_READ,
+                                           FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                           nullptr));
+        int encoding = 77;
+        EXPECT_FALSE(FileUtils::IsFileUnicode(path, encoding)); // which shares with nobody
+        EXPECT_EQ(encoding, 0);
+        TextArray lines;
+        FileUtils::ReadFileContent(path, lines, true, &encoding);
+        EXPECT_EQ(encoding, isWritten ? 1 : 4);
+        EXPECT_EQ(lines.IsEmpty(), isWritten);
+        FileUtils::ReadFileContent(path, lines, false);
+        EXPECT_EQ(lines.GetCopyAt(0), "\xEF\xBB\xBFx");
+    }
 }
 
 } // namespace

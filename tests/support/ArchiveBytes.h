@@ -50,10 +50,23 @@ std::string StoredBy(Store store, int bufferSize = 4096)
     return ContentOf(file);
 }
 
-template <class File = CMemFile, class Load>
-void LoadFrom(std::string bytes, Load load, int bufferSize = 4096)
+template <class Transfer>
+void LoadFrom(std::string bytes, Transfer load, int bufferSize = 4096)
 {
-    File file(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
+    CMemFile file(reinterpret_cast<BYTE*>(bytes.data()), bytes.size());
     CArchive archive(&file, CArchive::load, bufferSize);
     load(archive);
+}
+
+// The record of a value, and a value from its record.
+template <class Value>
+std::string StoredBytesOf(Value& value)
+{
+    return StoredBy([&](CArchive& archive) { value.Serialize(archive); });
+}
+
+template <class Value>
+void Load(Value& value, const std::string& bytes)
+{
+    LoadFrom(bytes, [&](CArchive& archive) { value.Serialize(archive); });
 }

@@ -49,25 +49,32 @@ inline std::vector<std::vector<std::string>> RecordedRows(const std::string& fil
 
 // Hard cases: the rows of a section of text-cases.txt or value-cases.txt, their unescaped cells between '|'.
 // A line "= name: columns" begins a section; one that begins with '#' explains the row below it.
-template <std::size_t Columns>
-std::vector<std::array<std::string, Columns>> Cases(const std::string& section)
+inline std::vector<std::vector<std::string>> Rows(const std::string& section)
 {
-    std::vector<std::array<std::string, Columns>> cases;
+    std::vector<std::vector<std::string>> rows;
     bool isInside = false;
     for (const char* file : {"/text-cases.txt", "/value-cases.txt"}) {
         std::ifstream stream(KVT01_TEST_DATA + std::string(file));
         for (std::string line; std::getline(stream, line);) {
             if (line.starts_with("= "))
                 isInside = line.starts_with("= " + section + ":");
-            if (!isInside || line.empty() || line[0] == '#' || line.starts_with("= "))
-                continue;
-            auto cells = CellsOf(line, '|');
-            EXPECT_EQ(cells.size(), Columns) << line;
-            cells.resize(Columns);
-            std::transform(cells.begin(), cells.end(), cases.emplace_back().begin(), Unescaped);
+            else if (isInside && !line.empty() && line[0] != '#')
+                for (std::string& cell : rows.emplace_back(CellsOf(line, '|')))
+                    cell = Unescaped(cell);
         }
     }
-    EXPECT_FALSE(cases.empty()) << section;
+    EXPECT_FALSE(rows.empty()) << section;
+    return rows;
+}
+
+template <std::size_t Columns>
+std::vector<std::array<std::string, Columns>> Cases(const std::string& section)
+{
+    std::vector<std::array<std::string, Columns>> cases;
+    for (const auto& row : Rows(section)) {
+        EXPECT_EQ(row.size(), Columns) << section << ": " << row[0];
+        std::copy_n(row.begin(), std::min(row.size(), Columns), cases.emplace_back().begin());
+    }
     return cases;
 }
 

@@ -32,9 +32,10 @@ inline CString LineOf(const TextArray& array)
     return array.ConvertIntoOneLine(";");
 }
 
-inline Texts TextsOf(const TextArray& array)
+template <class List>
+Texts TextsOf(const List& list)
 {
-    return Texts(array.begin(), array.end());
+    return Texts(list.begin(), list.end());
 }
 
 inline bool Has(const std::string& set, char c)

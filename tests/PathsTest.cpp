@@ -4,27 +4,84 @@
 
 #include "DirUtils.h"
 #include "FileUtils.h"
-#include "framework/FailureMarkers.h"
+#include "StringUtils.h"
 #include "support/Cases.h"
+#include "support/MarkerLines.h"
+#include "support/RandomTexts.h"
 #include "support/TemporaryFolder.h"
 #include "support/TextModels.h"
 
 namespace {
 
+// The walk from the last character to the first that defines the split.
+Texts SplitByWalking(const std::string& path)
+{
+    std::string name, ext;
+    bool metDot = false;
+    for (std::size_t i = path.size(); i-- > 0;) {
+        const char c = path[i];
+        if (c == '/' || c == '\\')
+            return {path.substr(0, i + 1), name, ext};
+        if (c == '.' && !metDot)
+            metDot = true;
+        else
+            (metDot ? name : ext).insert(0, 1, c);
+    }
+    return {"", CString(name).Trim(), CString(ext).Trim()};
+}
+
+// One cut after the other, each looking for a backslash in all that is left before it takes a slash.
+Texts BreakUpByCutting(std::string path)
+{
+    Texts parts;
+    if (path.find_first_not_of(Space) == std::string::npos || path == "/" || path == "\\")
+        return parts;
+    if (Has("/\\", path.back()))
+        path.pop_back();
+    if (!path.empty() && Has("/\\", path.front()))
+        path.erase(0, 1);
+    while (path.find_first_of("/\\") != std::string::npos) {
+        const auto at = path.rfind(Has(path, '\\') ? '\\' : '/');
+        parts.insert(parts.begin(), path.substr(at + 1));
+        path.resize(at);
+    }
+    parts.insert(parts.begin(), path);
+    return parts;
+}
+
+TEST(PathNames, SplitAndBreakUpLikeTheStepByStepRules)
+{
+    RandomTexts random;
+    for (int turn = 0; turn < 200000; ++turn) {
+        const std::string path = random.Make(std::string("\\/. aB\xE9"), random.Below(9));
+        CString dir, name, ext("left over");
+        FileUtils::Split(path, dir, name, ext);
+        ASSERT_EQ((Texts{dir, name, ext}), SplitByWalking(path)) << path;
+        TextArray parts = ArrayOf({"left over", path});
+        ASSERT_TRUE(DirUtils::BreakUpDirs(parts[1], parts)); // the output may hold the input
+        ASSERT_EQ(TextsOf(parts), BreakUpByCutting(path)) << path;
+    }
+    CString path("C:\\d\\readme"), name, ext;
+    FileUtils::Split(path, path, name, ext);
+    EXPECT_EQ(path + "|" + name + "|" + ext, "C:\\d\\||readme");
+}
+
+TEST(PathNames, BecomeRelativeByCharactersIgnoringCase)
+{
+    TextArray paths = ListOf("C:\\Data\\x;c:\\data;C:\\dat;;C:\\data2\\y");
+    DirUtils::MakePathsRelative(paths[1], paths);
+    DirUtils::MakePathsRelative("", paths);
+    EXPECT_EQ(LineOf(paths), "\\x;;C:\\dat;;2\\y");
+    EXPECT_EQ(FileUtils::GetBadFileNameChars(true), "\\/:*?\"<>|' ");
+    EXPECT_EQ(FileUtils::GetBadFileNameChars(false), "\\/:*?\"<>|");
+}
+
+// ---- on disk --------------------------------------------------------------------------------------------
+
 namespace fs = std::filesystem;
 
-TextArray markers;
-
-// Collects the marker lines of one test.
 class PathsOnDisk : public testing::Test {
 protected:
-    PathsOnDisk()
-    {
-        markers.RemoveAll();
-        m_before = FailureMarkers::SetSink([](const CString& line) { markers.Add(line); });
-    }
-    ~PathsOnDisk() override { FailureMarkers::SetSink(m_before); }
-
     CString Path(const CString& name = "") const { return CString(m_folder.Path()) + name; }
 
     // The path with the folder of the test for an @; the separator in front of it stays a slash.
@@ -39,9 +96,7 @@ protected:
     }
 
     TemporaryFolder m_folder;
-
-private:
-    FailureMarkers::Sink m_before;
+    MarkerLines m_markers;
 };
 
 TEST_F(PathsOnDisk, UniqueFileNamesCountUpUntilOneIsFree)
@@ -79,19 +134,20 @@ TEST_F(PathsOnDisk, TemporaryFilesAreMadeAndFailuresLeaveAMarker)
     for (const CString& good :
          {Path() + " \t", deep(246)}) // the longest whose names all fit the system's answer
         EXPECT_NE(FileUtils::GetTempFile(good, "abc", unique), "") << good;
-    EXPECT_TRUE(markers.IsEmpty());
+    EXPECT_EQ(MarkerLines::Take(), Texts());
     for (const CString& bad :
          {CString(), Path().Left(Path().GetLength() - 1), Path("missing/"), CString("   ")}) {
-        unique = 77;
-        EXPECT_EQ(FileUtils::GetTempFile(bad, "abc", unique), "");
+        EXPECT_EQ(FileUtils::GetTempFile(bad, "abc", unique = 77), "");
         EXPECT_EQ(unique, 0u);
     }
-    EXPECT_EQ(markers, ArrayOf(Texts(4, "{F1A8BB00-471B-4D7C-9766-55857561C699}")));
-    for (const auto& [folder, prefix] : {std::pair(deep(247), "abc"), {Path(), "a/b"}, {Path(), "a\\b"}}) {
+    EXPECT_EQ(MarkerLines::Take(), Texts(4, "{F1A8BB00-471B-4D7C-9766-55857561C699}"));
+    for (const auto& [folder, prefix] : {std::pair(deep(247), "abc"), {Path(), "a/b"}, {Path(), "a\\b"}})
         EXPECT_EQ(FileUtils::GetTempFile(folder, prefix, unique), "") << folder;
-        EXPECT_EQ(markers.GetLast().Left(38), "{E4949422-0B7B-4D2B-AE39-0E30647219F3}");
-        EXPECT_GT(markers.GetLast().GetLength(), 40);
-    }
+    const Texts failed = MarkerLines::Take();
+    EXPECT_GT(failed.at(0).GetLength(), 40); // the system's text stands behind
+    for (const CString& line : failed)
+        EXPECT_EQ(line.Left(38), "{E4949422-0B7B-4D2B-AE39-0E30647219F3}");
+    EXPECT_EQ(failed.size(), 3U);
 }
 
 TEST_F(PathsOnDisk, PathsComeBackInTheCaseThatIsStored)
