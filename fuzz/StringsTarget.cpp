@@ -1,11 +1,13 @@
 // The string through edits, against std::string. Copies share the text: none may notice a change of another.
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <vector>
 
 #include "CString.h"
 #include "fuzz/Difference.h"
 #include "fuzz/Targets.h"
+#include "tests/support/TextModels.h"
 
 namespace {
 
@@ -14,6 +16,8 @@ void ExpectSame(const CString& text, const std::string& model)
     Expect("GetLength", text.GetLength(), static_cast<int>(model.size()), model);
     Expect("the text", std::string(text.View()), model);
     Expect("the NUL behind it", text.GetString()[text.GetLength()], '\0', model);
+    // The first characters of a long text are kept in the string itself: no change may miss them.
+    Expect("GetFront", std::strncmp(text.GetFront(), text, CString::FrontSize), 0, model);
 }
 
 // Of a length around one where the representation changes.
@@ -33,6 +37,7 @@ void Edit(Choices& choices, CString& text, std::string& model)
     const int i = static_cast<int>(at);
     const int n = static_cast<int>(count);
     const std::string piece = MakePiece(choices), end(count > 0, '!');
+    const std::string front(std::min<std::size_t>(model.size(), 4), 'y');
     const struct {
         std::function<void(CString&)> edit;
         std::function<void(std::string&)> model;
@@ -49,6 +54,18 @@ void Edit(Choices& choices, CString& text, std::string& model)
         {[&](auto& t) { t.SetAt(i, '#'); }, [&](auto& m) { m.replace(at, 1, at < m.size() ? "#" : ""); }},
         {[&](auto& t) { t.Remove('c'); }, [&](auto& m) { std::erase(m, 'c'); }},
         {[&](auto& t) { t.MakeReverse(); }, [&](auto& m) { std::reverse(m.begin(), m.end()); }},
+        {[&](auto& t) { t.Replace('a', 'z'); }, [&](auto& m) { std::replace(m.begin(), m.end(), 'a', 'z'); }},
+        {[&](auto& t) { t.TrimLeft("ab"); }, [&](auto& m) { m.erase(0, m.find_first_not_of("ab")); }},
+        {[&](auto& t) { t.MakeLower(); }, [&](auto& m) { m = Lowered(m); }},
+        {[&](auto& t) {
+             std::memset(t.GetBufferSetLength(t.GetLength()), 'y', front.size());
+         }, // not released
+         [&](auto& m) { m.replace(0, front.size(), front); }},
+        {[&](auto& t) {
+             std::memcpy(t.GetBuffer(), front.data(), front.size());
+             t.ReleaseBuffer();
+         },
+         [&](auto& m) { m = m.replace(0, front.size(), front).c_str(); }}, // up to the first NUL
         {[&](auto& t) { t.FreeExtra(); }, [&](auto&) {}},
         {[&](auto& t) {
              CString moved(std::move(t));
@@ -81,6 +98,7 @@ void Targets::Strings(Choices& choices)
             Edit(choices, text, model);
         else
             strings.back() = {};
+        ExpectSame(text, model);
     }
     for (const auto& [text, model] : strings)
         ExpectSame(text, model);

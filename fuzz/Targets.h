@@ -19,6 +19,7 @@ void Numbers(Choices& choices);
 void RecentLists(Choices& choices);
 void Times(Choices& choices);
 void Records(Choices& choices);
+void Encryption(Choices& choices);
 void TextFiles(Choices& choices);
 
 using Target = void (*)(Choices&);
@@ -39,6 +40,7 @@ inline constexpr NamedTarget All[] = {
     {"recent-lists", RecentLists},
     {"times", Times},
     {"records", Records},
+    {"encryption", Encryption},
     {"text-files", TextFiles},
 };
 

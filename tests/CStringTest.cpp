@@ -10,7 +10,6 @@
 #include <sstream>
 #include <thread>
 
-#include "support/RandomTexts.h"
 #include "support/TextModels.h"
 
 namespace {
@@ -32,76 +31,6 @@ void ExpectSame(const CString& text, const std::string& model)
     ASSERT_EQ(text.GetString()[text.GetLength()], '\0');
     // The first characters of a long text are kept in the string itself: no change may miss them.
     ASSERT_EQ(std::strncmp(text.GetFront(), text, CString::FrontSize), 0) << text;
-}
-
-// The same random edit of a string and of its model.
-void Edit(RandomTexts& random, CString& text, std::string& model)
-{
-    const std::size_t at = random.Below(model.size() + 1);
-    const std::size_t count = random.Below(12);
-    const int i = static_cast<int>(at);
-    const int n = static_cast<int>(count);
-    const std::string piece = Sample(Lengths[random.Below(9)]) + std::string(random.OneIn(5), '\0');
-    const std::string end(count > 0, '!'), front(std::min<std::size_t>(model.size(), 4), 'y');
-    const struct {
-        std::function<void(CString&)> edit;
-        std::function<void(std::string&)> model;
-    } edits[] = {
-        {[&](auto& t) { t += CString(piece); }, [&](auto& m) { m += piece; }},
-        {[&](auto& t) { t.Append(t.GetString() + i, std::min(n, t.GetLength() - i)); }, // a piece of itself
-         [&](auto& m) { m += m.substr(at, count); }},
-        {[&](auto& t) { t.Insert(i, t.GetString() + i); }, // another one
-         [&](auto& m) { m.insert(at, std::string(m.c_str() + at)); }},
-        {[&](auto& t) { t.Delete(i, n); }, [&](auto& m) { m.erase(at, count); }},
-        {[&](auto& t) { t.Insert(i, piece.c_str()); }, [&](auto& m) { m.insert(at, piece.c_str()); }},
-        {[&](auto& t) { t.Truncate(i); }, [&](auto& m) { m.resize(at); }},
-        {[&](auto& t) { t = t.Mid(i, n * 8); }, [&](auto& m) { m = m.substr(at, count * 8); }},
-        {[&](auto& t) { t.SetAt(i, '#'); }, [&](auto& m) { m.replace(at, 1, at < m.size() ? "#" : ""); }},
-        {[&](auto& t) { t.Remove('c'); }, [&](auto& m) { std::erase(m, 'c'); }},
-        {[&](auto& t) { t.MakeReverse(); }, [&](auto& m) { std::reverse(m.begin(), m.end()); }},
-        {[&](auto& t) { t.Replace('a', 'z'); }, [&](auto& m) { std::replace(m.begin(), m.end(), 'a', 'z'); }},
-        {[&](auto& t) { t.TrimLeft("ab"); }, [&](auto& m) { m.erase(0, m.find_first_not_of("ab")); }},
-        {[&](auto& t) { t.MakeLower(); }, [&](auto& m) { m = Lowered(m); }},
-        {[&](auto& t) {
-             std::memset(t.GetBufferSetLength(t.GetLength()), 'y', front.size());
-         }, // not released
-         [&](auto& m) { m.replace(0, front.size(), front); }},
-        {[&](auto& t) { std::memcpy(t.GetBuffer(), front.data(), front.size()), t.ReleaseBuffer(); },
-         [&](auto& m) { m = m.replace(0, front.size(), front).c_str(); }}, // up to the first NUL
-        {[&](auto& t) { t.FreeExtra(); }, [&](auto&) {}},
-        {[&](auto& t) {
-             CString moved(std::move(t));
-             ExpectSame(t, "");
-             t = std::move(moved);
-             t = static_cast<CString&>(t);
-         },
-         [&](auto&) {}},
-        {[&](auto& t) {
-             t.GetBuffer(t.GetLength() + n)[t.GetLength()] = '!';
-             t.ReleaseBuffer(t.GetLength() + (n > 0));
-         },
-         [&](auto& m) { m += end; }},
-    };
-    const auto& chosen = random.Pick(edits);
-    chosen.edit(text);
-    chosen.model(model);
-}
-
-// Copies share the text: none of them may notice a change of another.
-TEST(CString, StaysEqualToAModelThroughRandomEdits)
-{
-    RandomTexts random;
-    for (int round = 0; round < 60 && !HasFatalFailure(); ++round) {
-        std::vector<std::pair<CString, std::string>> strings(1);
-        for (int step = 0; step < 200; ++step) {
-            if (random.OneIn(12))
-                strings.push_back(strings.back());
-            Edit(random, strings.back().first, strings.back().second);
-            ExpectSame(strings.back().first, strings.back().second);
-        }
-        for (const auto& [text, model] : strings)
-            ExpectSame(text, model);
-    }
 }
 
 TEST(CString, ComparesAndOrdersLikeItsBytes)

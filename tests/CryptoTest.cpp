@@ -79,76 +79,6 @@ struct Reach : Crypto {
     using Crypto::GetNextEvenBlockSize;
 };
 
-CByteArray ArrayOf(const string& bytes)
-{
-    CByteArray array;
-    array.SetSize(static_cast<CByteArray::Index>(bytes.size()));
-    std::copy(bytes.begin(), bytes.end(), array.begin());
-    return array;
-}
-
-// The rules step by step, without any shortcut.
-struct Model {
-    bool hasKey = false;
-    Aes::KeySchedule keys{};
-    std::vector<CString> lines{};
-
-    explicit Model(const string& key)
-        : hasKey(key.size() == 16 || key.size() == 24 || key.size() == 32), keys(KeysOf(key))
-    {
-    }
-
-    string Chain(const string& in, Aes::ChainFunction Aes::Implementation::*direction) const
-    {
-        return Chained(Aes::UsableImplementations().back().*direction, keys, "", in);
-    }
-
-    string Encrypt(string text) const
-    {
-        while (text.size() % 16 != 0)
-            text += '\xA4';
-        return hasKey ? Chain(text, &Aes::Implementation::encrypt) : string(text.size(), '\0');
-    }
-
-    bool DecryptText(const string& in, string& out)
-    {
-        out.clear();
-        if (in.empty())
-            return false;
-        if (!hasKey || in.size() % 16 != 0) {
-            lines.push_back("{C62DD933-D273-457B-90A4-3F2261AEA3A8}");
-            return false;
-        }
-        out = Chain(in, &Aes::Implementation::decrypt).c_str();
-        out = out.substr(0, out.find('\xA4'));
-        return true;
-    }
-
-    void DoVerifiedEncryption(const string& text, string& out)
-    {
-        string back;
-        for (int attempt = 0; attempt < 10 && !text.empty(); ++attempt) {
-            out = Encrypt(text);
-            if (DecryptText(out, back) && back == text)
-                return;
-            out.clear();
-        }
-        if (!text.empty())
-            lines.push_back("{E489273C-1E5A-4E46-9091-541813642DD0}" + text);
-    }
-
-    void DoVerifiedDecryption(const string& in, string& out)
-    {
-        for (int attempt = 0; attempt < 10; ++attempt)
-            if (DecryptText(in, out) && Encrypt(out) == in)
-                return;
-        string numbers;
-        for (const char c : in)
-            numbers += (numbers.empty() ? "" : ", ") + std::to_string(static_cast<unsigned char>(c));
-        lines.push_back("{0B794AD1-CDD7-4E4A-9AC5-E813B180CA79}" + numbers);
-    }
-};
-
 string RecordOf(CString text)
 {
     return StoredBy([&](CArchive& archive) { Crypto::Serialize(archive, text); });
@@ -167,64 +97,8 @@ protected:
     CryptoTest() { Crypto::DeleteInstance(); }
     ~CryptoTest() override { Crypto::DeleteInstance(); }
 
-    void SetKey(const string& key)
-    {
-        m_model = Model(key);
-        EXPECT_TRUE((Reach::GetInstance()->*&Reach::DeriveKey)(key));
-    }
-
-    void CheckEncryption(const string& text)
-    {
-        CByteArray raw = ArrayOf("before");
-        string expected = "before";
-        Crypto::Encrypt(text, raw);
-        EXPECT_EQ(raw, ArrayOf(m_model.Encrypt(text)));
-        m_model.lines.push_back("{42911D20-38E8-4BC4-B068-BF803FD3DEA7}" + text);
-        m_model.DoVerifiedEncryption(text, expected);
-        const string record = RecordOf(text);
-        EXPECT_EQ(record.substr(0, 2), text.empty() || expected.empty() ? BytesOf("0000") : BytesOf("0100"));
-        EXPECT_TRUE(text.empty() || record.ends_with(expected.empty() ? text : expected));
-        EXPECT_EQ(TextOf(record), text);
-        EXPECT_EQ(MarkerLines::Take(), std::exchange(m_model.lines, {}));
-    }
-
-    void CheckDecryption(const string& in)
-    {
-        string expected;
-        m_model.DoVerifiedDecryption(in, expected);
-        EXPECT_EQ(Crypto::Decrypt(ArrayOf(in)), expected);
-        EXPECT_EQ(MarkerLines::Take(), std::exchange(m_model.lines, {}));
-    }
-
     MarkerLines m_markers;
-    Model m_model{""};
 };
-
-TEST_F(CryptoTest, DoesWhatTheSlowModelDoes)
-{
-    RandomTexts random;
-    std::vector<string> texts;
-    for (const auto& [text] : Cases<1>("plain texts"))
-        texts.push_back(text);
-    for (std::size_t length = 0; length < 600; length += length < 50 ? 1 : random.Below(200)) {
-        texts.emplace_back(length, 'n');
-        for (const unsigned rare : {3u, 100u}) // one in so many is a byte that ends texts
-            for (char& c : texts.emplace_back(length, '\0'))
-                c = random.OneIn(rare) ? random.Pick("\xA4" /* or its NUL */)
-                                       : static_cast<char>(random.Below(256));
-    }
-    for (const char* key : {"sixteen-letters!", "twenty-four-letters-here",
-                            "thirty-two-letters-in-this-phras", "seventeen-letters"}) {
-        SetKey(key);
-        for (string plain : texts) {
-            SCOPED_TRACE(HexOf(plain));
-            CheckEncryption(plain);
-            CheckDecryption(plain);
-            plain.resize((plain.size() + 15) / 16 * 16, '\xA4');
-            CheckDecryption(m_model.Chain(plain, &Aes::Implementation::encrypt));
-        }
-    }
-}
 
 // Which come in steps, and whose count is of the longest form.
 TEST_F(CryptoTest, ManyBytesAreRead)

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <memory>
-
 #include "FileUtils.h"
 #include "files/FileHandle.h"
 #include "files/TextFile.h"
@@ -15,98 +12,6 @@
 
 namespace {
 
-// ---- the rules, one unit after the other ----------------------------------------------------------------
-
-std::u32string UnitsOf(const std::string& bytes, int encoding)
-{
-    std::u32string units;
-    const std::size_t size = IsWide(encoding) ? 2 : 1;
-    const auto byteAt = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
-    for (std::size_t i = 0; i + size <= bytes.size(); i += size)
-        units += size == 1       ? byteAt(i)
-                 : encoding == 2 ? byteAt(i) + byteAt(i + 1) * 256U
-                                 : byteAt(i) * 256U + byteAt(i + 1);
-    return units;
-}
-
-std::vector<std::u32string> SplitLines(const std::u32string& units, std::size_t fill)
-{
-    std::vector<std::u32string> lines;
-    std::u32string line;
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        if (units[i] != '\n') {
-            line += units[i];
-            continue;
-        }
-        if (i % fill != 0 && units[i - 1] == '\r')
-            line.pop_back();
-        lines.push_back(std::exchange(line, {}));
-    }
-    if (!line.empty())
-        lines.push_back(line);
-    return lines;
-}
-
-std::u32string DecodeUtf8(const std::u32string& bytes)
-{
-    std::u32string codes;
-    char32_t last = 0xFFFD;
-    for (std::size_t i = 0; i < bytes.size();) {
-        const char32_t lead = bytes[i];
-        const std::size_t length = lead < 128 ? 1 : lead < 224 ? 2 : lead < 240 ? 3 : lead < 248 ? 4 : 1;
-        const char32_t kept[] = {0, 128, 32, 16, 8};
-        if (i + length <= bytes.size()) {
-            last = lead % kept[length];
-            for (std::size_t k = 1; k < length; ++k)
-                last = last * 64 + bytes[i + k] % 64;
-            if (lead >= 248)
-                last = 0xFFFD;
-        }
-        codes += std::min<char32_t>(last, 0x10FFFF);
-        i += length;
-    }
-    return codes;
-}
-
-CString Narrow(const std::u32string& codes)
-{
-    std::basic_string<WCHAR> wide;
-    for (const char32_t code : codes)
-        if (code > 0xFFFF) {
-            wide += static_cast<WCHAR>(0xD800 + (code - 0x10000) / 0x400);
-            wide += static_cast<WCHAR>(0xDC00 + code % 0x400);
-        } else {
-            wide += static_cast<WCHAR>(code);
-        }
-    std::string narrow(wide.size(), '#');
-    if (!wide.empty())
-        WideCharToMultiByte(CP_ACP, 0, wide.data(), static_cast<int>(wide.size()), narrow.data(),
-                            static_cast<int>(narrow.size()), nullptr, nullptr);
-    return narrow;
-}
-
-Texts Model(const std::string& bytes, int encoding, std::size_t fill)
-{
-    Texts lines;
-    for (const auto& raw :
-         SplitLines(UnitsOf(bytes, encoding), IsWide(encoding) && fill > 1 ? fill / 2 : fill))
-        lines.push_back(encoding == 1   ? CString(std::string(raw.begin(), raw.end()))
-                        : encoding == 4 ? Narrow(DecodeUtf8(raw))
-                                        : Narrow(raw));
-    return lines;
-}
-
-// ---- what is read ---------------------------------------------------------------------------------------
-
-template <class Reader>
-std::unique_ptr<TextFileReader> Made(HANDLE file, int bufferSize)
-{
-    return std::make_unique<Reader>("", file, bufferSize);
-}
-constexpr decltype(&Made<ANSI_TextFileReader>) Makers[] = {
-    nullptr, &Made<ANSI_TextFileReader>, &Made<UTF16LE_TextFileReader>, &Made<UTF16BE_TextFileReader>,
-    &Made<UTF8_TextFileReader>};
-
 class TextFileReaders : public testing::Test {
 protected:
     FileHandle Open(const std::string& bytes) const
@@ -115,52 +20,9 @@ protected:
         return FileHandle(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                       FILE_ATTRIBUTE_NORMAL, nullptr));
     }
-    Texts Read(const std::string& bytes, int encoding, int bufferSize) const
-    {
-        const FileHandle file = Open(bytes);
-        const auto reader = Makers[encoding](file.Get(), bufferSize);
-        Texts lines;
-        CString line;
-        int result = 0;
-        while ((result = reader->ReadLine(line, CP_ACP, nullptr, nullptr)) == 0)
-            lines.push_back(line);
-        EXPECT_EQ(result, TextFileReader::EndOfFile);
-        EXPECT_EQ(reader->ReadLine(line, CP_ACP, nullptr, nullptr), TextFileReader::EndOfFile);
-        return lines;
-    }
 
     TemporaryFolder folder;
 };
-
-// Many line ends, leads and NULs among letters, and long runs that reach over the ends of fills and reads.
-std::string RandomBytes(RandomTexts& random, std::size_t length)
-{
-    const std::string bytes("\r\n\r\n\0ab\x7F\x80\x9F\xBF\xC3\xDF\xE0\xE2\xEF\xF0\xF4\xF7\xF8\xFF", 21);
-    std::string text;
-    while (text.size() < length) {
-        const std::size_t run = random.OneIn(40) ? random.Below(9000) : 1 + random.Below(2);
-        const char byte = random.Pick(bytes);
-        if (random.OneIn(8))
-            text += Encoded("\r\n", random.Pick(Encodings));
-        text.append(byte == '\n' || byte == '\r' ? 1 : run, byte);
-    }
-    return text.substr(0, length);
-}
-
-TEST_F(TextFileReaders, AgreeWithTheRulesOnAnyBytes)
-{
-    RandomTexts random;
-    for (const int bufferSize : {0, 1, 2, 3, 7, 64, 4095, 4096, 5000, 200'000})
-        for (const int encoding : Encodings)
-            for (int round = 0; round < 4; ++round) {
-                SCOPED_TRACE(testing::Message() << "encoding " << encoding << ", buffer " << bufferSize);
-                const std::size_t fill = bufferSize == 0 ? 4096 : static_cast<std::size_t>(bufferSize);
-                const std::size_t length = fill * random.Below(bufferSize < 100 ? 5 : 50);
-                const std::string bytes =
-                    RandomBytes(random, std::min<std::size_t>(length, 300'000) + random.Below(5));
-                ASSERT_EQ(Read(bytes, encoding, bufferSize), Model(bytes, encoding, fill));
-            }
-}
 
 TEST_F(TextFileReaders, EndLinesAndDecodeAsTheyAlwaysDid)
 {
