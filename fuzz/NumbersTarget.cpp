@@ -69,8 +69,8 @@ void ExpectWritten(uint64 wide)
 
 void Targets::Numbers(Choices& choices)
 {
-    static const char* const separators[][2] = {{".", ","},    {",", "."}, {"::", "''''"},
-                                                {",", "\xA0"}, {"-", "5"}, {".", "."}};
+    static const char* const separators[][2] = {{".", ","}, {",", "."}, {"::", "''''"}, {",", "\xA0"},
+                                                {"-", "5"}, {".", "."}, {"5", ","}};
     static const std::string characters("01234567890123456789--().,, a\0\xE9\xB2", 33);
     const auto& [decimal, thousands] = choices.Pick(separators);
     LocaleUtils::m_csDecimalSeparator = decimal;

@@ -298,6 +298,15 @@ public:
     void Preallocate(int length);
     int GetAllocLength() const noexcept; // characters that fit without another allocation
     void FreeExtra();
+    // A short text that is put down in place: write(room) gets MaxInline zeros and returns the end of what it
+    // wrote there.
+    template <class Write>
+    static CString Written(Write write)
+    {
+        CString text;
+        text.m_bytes[TagAt] = static_cast<char>(write(text.m_bytes) - text.m_bytes);
+        return text;
+    }
     // Whether the text lies inside the object: then MaxInline characters can be read there, whatever its
     // length.
     bool IsInline() const noexcept { return !IsLong(); }

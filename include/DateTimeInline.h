@@ -170,8 +170,12 @@ inline void DateTime::GetDate(int& year, int& month, int& day) const noexcept
 
 inline bool DateTime::IsBefore(const DateTime& a, const DateTime& b) noexcept
 {
-    if (a.m_nDay != b.m_nDay && a.IsValidDate() && b.IsValidDate()) [[likely]]
-        return a.m_nDay < b.m_nDay;
+    if (b.IsValidDate()) [[likely]] { // then a lower number comes before it, whatever that stands for
+        if (a.m_nDay < b.m_nDay)
+            return true;
+        if (a.m_nDay != b.m_nDay && a.m_nDay <= MAXDAY) [[likely]]
+            return false;
+    }
     if (a.DateRank() != b.DateRank())
         return a.DateRank() < b.DateRank();
     return a.TimeRank() < b.TimeRank();

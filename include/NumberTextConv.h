@@ -22,8 +22,8 @@ public:
     // The pad is put in front as a whole until the text has `minWidth` characters, so one of several
     // characters may overshoot; an empty one pads nothing.
     //   (7, false, 3, "0") -> "007"   (7, false, 4, "ab") -> "abab7"   (-1234, true) -> "-1,234"
-    static CString NumberToString(int value, bool grouped = false, int minWidth = 0,
-                                  const CString& pad = CString());
+    static CString NumberToString(int value, bool grouped = false);
+    static CString NumberToString(int value, bool grouped, int minWidth, const CString& pad = CString());
     static CString NumberToString(uint64 value, bool grouped = false);
 
     // ---- text to integers: all digits of the text in a row, whatever stands between them, negative when -

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "numbers/Digits.h"
 #include "numbers/Separators.h"
 
 namespace {
@@ -59,6 +60,22 @@ public:
             BeginFraction();
     }
 
+    // The first digits of the whole part, as far as any way of adding them up is exact; returns where it
+    // ended.
+    const char* TakeExact(const char* at, const char* end)
+    {
+        uint64 whole = 0;
+        for (; at != end && whole < ExactBelow && !m_isFraction; ++at) {
+            if (*at == m_thousands)
+                continue;
+            if (*at == m_decimal || !IsDigitChar(*at))
+                break;
+            whole = whole * 10 + ValueOf(*at);
+        }
+        m_value = static_cast<double>(whole);
+        return at;
+    }
+
     // Whether the number goes on.
     bool Take(char c)
     {
@@ -91,6 +108,8 @@ private:
         m_scale *= 0.1;
     }
 
+    static constexpr uint64 ExactBelow = 100'000'000'000'000; // one more digit is still below 2^53
+
     double m_value = 0;
     double m_scale = 0;
     char m_decimal, m_thousands;
@@ -115,9 +134,11 @@ double NumberTextConv::GetDoubleFromString(const CString& s, bool parenthesesNeg
 {
     const char* at = s.begin();
     const char* const end = s.end();
-    DecimalReader reader(Separators::Decimal()[0], Separators::Thousands()[0], parenthesesNegative);
+    DecimalReader reader(Separators::Decimal().GetFront()[0], Separators::Thousands().GetFront()[0],
+                         parenthesesNegative);
     for (; at != end && !IsDigitChar(*at); ++at)
         reader.TakeBeforeDigits(*at);
+    at = reader.TakeExact(at, end);
     while (at != end && reader.Take(*at))
         ++at;
     return reader.Value();
@@ -167,9 +188,5 @@ int NumberTextConv::GetDigitCount(int64 value, bool& negative)
 
 int NumberTextConv::GetDigitCount(uint64 value)
 {
-    constexpr int Most = 20;
-    int count = 1;
-    for (uint64 bound = 10; count < Most && value >= bound; bound *= 10)
-        ++count; // the last product wraps and is not compared
-    return count;
+    return Digits::Count(value);
 }

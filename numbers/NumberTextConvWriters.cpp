@@ -1,9 +1,12 @@
 // Integers and bytes as text.
 #include "NumberTextConv.h"
 
-#include <charconv>
+#include <cstring>
+#include <type_traits>
+#include <utility>
 
 #include "CByteArray.h"
+#include "numbers/Digits.h"
 #include "numbers/Separators.h"
 #include "platform/Platform.h"
 
@@ -17,8 +20,7 @@ constexpr std::size_t GroupedRoom = 256; // 20 digits with a separator at each, 
 struct SeparatorCopy {
     explicit SeparatorCopy(const CString& separator)
     {
-        for (std::size_t i = 0; i < MaxSeparator; ++i)
-            text[i] = separator[i]; // NUL behind the end
+        std::memcpy(text, separator.GetFront(), MaxSeparator);
     }
     char text[MaxSeparator + 1] = {};
 };
@@ -49,15 +51,25 @@ CString Grouped(const char* digits, int length)
 }
 
 template <class Integer>
+char* Write(char* to, Integer value)
+{
+    auto magnitude = static_cast<std::make_unsigned_t<Integer>>(value);
+    if (std::cmp_less(value, 0)) {
+        *to++ = '-';
+        magnitude = 0 - magnitude;
+    }
+    return Digits::Write(to, magnitude);
+}
+
+template <class Integer>
 CString TextOf(Integer value, bool grouped)
 {
-    char digits[MaxDigits];
-    char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    const int length = static_cast<int>(end - digits);
     if (!grouped)
-        return CString(digits, length);
+        return CString::Written([=](char* begin) { return Write(begin, value); });
+    char digits[MaxDigits];
+    char* const end = Write(digits, value);
     *end = '\0';
-    return Grouped(digits, length);
+    return Grouped(digits, static_cast<int>(end - digits));
 }
 
 CString Padded(const CString& text, int minWidth, const CString& pad)
@@ -74,12 +86,17 @@ CString Padded(const CString& text, int minWidth, const CString& pad)
 
 } // namespace
 
+CString NumberTextConv::NumberToString(int value, bool grouped)
+{
+    return TextOf(value, grouped);
+}
+
 CString NumberTextConv::NumberToString(int value, bool grouped, int minWidth, const CString& pad)
 {
-    if (pad.IsEmpty() || minWidth <= 1) // the usual case: nothing to pad
-        return TextOf(value, grouped);
-    const CString text = NumberToString(value, grouped);
-    return text.GetLength() < minWidth ? Padded(text, minWidth, pad) : text;
+    CString text = TextOf(value, grouped);
+    if (pad.IsEmpty() || text.GetLength() >= minWidth)
+        return text;
+    return Padded(text, minWidth, pad);
 }
 
 CString NumberTextConv::NumberToString(uint64 value, bool grouped)
@@ -92,8 +109,8 @@ void NumberTextConv::ConvertByteArrayToString(const CByteArray& bytes, CString& 
     out.Empty();
     std::string_view separator;
     for (const BYTE byte : bytes) {
-        char digits[4];
-        const char* const end = std::to_chars(digits, digits + sizeof digits, static_cast<int>(byte)).ptr;
+        char digits[3];
+        const char* const end = Digits::Write(digits, unsigned{byte});
         out += separator;
         out.Append(digits, static_cast<int>(end - digits));
         separator = ListSeparator;

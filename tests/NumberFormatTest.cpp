@@ -12,9 +12,9 @@ std::string Formatted(const std::string& digits, const NUMBERFMTA& format)
     if (size == 0)
         return "ERROR " + std::to_string(GetLastError());
     std::string text(static_cast<std::size_t>(size), '#');
-    EXPECT_EQ(GetNumberFormatA(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, text.data(), size), size);
     EXPECT_EQ(GetNumberFormatA(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, text.data(), size - 1), 0);
     EXPECT_EQ(GetLastError(), ERROR_INSUFFICIENT_BUFFER);
+    EXPECT_EQ(GetNumberFormatA(LOCALE_USER_DEFAULT, 0, digits.c_str(), &format, text.data(), size), size);
     EXPECT_EQ(text.back(), '\0');
     text.pop_back();
     return text;

@@ -142,7 +142,8 @@ DWORD CheckSharing(const OpenedFile& file, const OpenRequest& request) noexcept
     const unsigned denies = ((request.share & FILE_SHARE_READ) != 0 ? 0U : ShareLocks::Reads) |
                             ((request.share & FILE_SHARE_WRITE) != 0 ? 0U : ShareLocks::Writes) |
                             ((request.share & FILE_SHARE_DELETE) != 0 ? 0U : ShareLocks::Deletes);
-    return ShareLocks::Enter(file.descriptor.Get(), uses, denies) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
+    return ShareLocks::Enter(file.descriptor.Get(), uses, denies, !file.existed) ? ERROR_SUCCESS
+                                                                                 : ERROR_SHARING_VIOLATION;
 }
 
 // False if the file was deleted or replaced after it was opened and before its locks were there.

@@ -1,7 +1,6 @@
 #include "platform/posix/IcuLoader.h"
 
 #include <atomic>
-#include <mutex>
 
 #include <dlfcn.h>
 
@@ -46,12 +45,11 @@ const IcuInterface* Load(const std::string& file)
 
 const IcuInterface* Get()
 {
-    static std::once_flag once;
-    static const IcuInterface* icu = nullptr;
-    std::call_once(once, [] {
-        icu = Load(moduleFolder() + '/' + ModuleName);
-        mustReport = icu == nullptr;
-    });
+    static const IcuInterface* const icu = [] {
+        const IcuInterface* const loaded = Load(moduleFolder() + '/' + ModuleName);
+        mustReport = loaded == nullptr;
+        return loaded;
+    }();
     return icu;
 }
 

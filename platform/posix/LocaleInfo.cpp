@@ -1,4 +1,5 @@
 // GetLocaleInfoA: the answers in force, kept until the environment or the user's settings change.
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <mutex>
@@ -31,9 +32,10 @@ public:
     {
         if (environ == nullptr || m_entries.empty())
             return false;
-        for (std::size_t i = 0; i < m_entries.size(); ++i)
-            if (environ[i] != m_entries[i])
-                return false;
+        char* const* entry = environ;
+        const auto isNext = [&entry](const char* known) { return *entry++ == known; };
+        if (!std::all_of(m_entries.begin(), m_entries.end(), isNext)) // the last one is null on both sides
+            return false;
         for (const Variable& variable : m_variables)
             if (variable.current != nullptr && std::strcmp(variable.value.c_str(), variable.current) != 0)
                 return false;
@@ -228,8 +230,7 @@ int GetLocaleInfoA(LCID locale, LCTYPE type, char* buffer, int size)
         return Fail(ERROR_INVALID_PARAMETER);
     const LCTYPE item = type & ~(LOCALE_NOUSEROVERRIDE | LOCALE_RETURN_NUMBER);
     const bool isNumberWanted = (type & LOCALE_RETURN_NUMBER) != 0;
-    const Row* const row =
-        LocaleItems::IsInRange(item) ? LocaleItems::RowOfSlot[LocaleItems::SlotOf(item)] : nullptr;
+    const Row* const row = LocaleItems::RowOf(item);
     if (row == nullptr || (isNumberWanted && !row->isNumber))
         return Fail(ERROR_INVALID_FLAGS);
     int result = 0;

@@ -70,12 +70,23 @@ constexpr std::size_t SlotOf(LCTYPE item)
     return item < 128 ? item : item - 4096 + 128;
 }
 
-inline constexpr auto RowOfSlot = [] {
-    std::array<const Row*, SlotCount> table{};
-    for (const Row& row : Rows)
+// Numbers of rows, counted from 1: a table of pointers would have to be written to at load.
+inline constexpr auto RowNumberOfSlot = [] {
+    std::array<unsigned char, SlotCount> table{};
+    unsigned char number = 0;
+    for (const Row& row : Rows) {
+        ++number;
         for (LCTYPE i = 0; i < row.count; ++i)
-            table[SlotOf(row.first + i)] = &row;
+            table[SlotOf(row.first + i)] = number;
+    }
     return table;
 }();
+
+// nullptr for an item that is not answered.
+constexpr const Row* RowOf(LCTYPE item)
+{
+    const std::size_t number = IsInRange(item) ? RowNumberOfSlot[SlotOf(item)] : 0;
+    return number == 0 ? nullptr : &Rows[number - 1];
+}
 
 } // namespace LocaleItems

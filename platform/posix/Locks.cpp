@@ -2,11 +2,7 @@
 
 void InitializeCriticalSection(CRITICAL_SECTION* section) noexcept
 {
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
-    pthread_mutex_init(&section->mutex, &attributes);
-    pthread_mutexattr_destroy(&attributes);
+    section->mutex = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
 }
 
 BOOL InitializeCriticalSectionAndSpinCount(CRITICAL_SECTION* section, DWORD) noexcept

@@ -78,24 +78,19 @@ private:
     bool m_repeats;
 };
 
-std::size_t CountSeparators(std::size_t digits, const Groups& groups)
-{
-    std::size_t group = 0;
-    for (std::size_t rest = digits; (rest -= groups.Size(group, rest)) > 0;)
-        ++group;
-    return group;
-}
-
-// Writes backwards.
+// Writes backwards, up to the end of the buffer; what finds no room is only counted.
 class Writer {
 public:
-    explicit Writer(char* end) : m_at(end) {}
+    Writer(char* buffer, std::size_t room) : m_end(buffer + room), m_room(room) {}
+    void Put(char c)
+    {
+        if (++m_length <= m_room)
+            *(m_end - m_length) = c;
+    }
     void Put(std::string_view text)
     {
-        if (text.size() == 1) // the usual separator
-            *--m_at = text[0];
-        else if (!text.empty())
-            std::memcpy(m_at -= text.size(), text.data(), text.size());
+        for (std::size_t i = text.size(); i > 0; --i)
+            Put(text[i - 1]);
     }
     void PutGrouped(std::string_view digits, const Groups& groups, std::string_view separator)
     {
@@ -104,12 +99,15 @@ public:
         for (std::size_t rest = digits.size(); rest > 0; --rest, --left) {
             for (; left == 0; left = groups.Size(++group, rest)) // an empty group puts two together
                 Put(separator);
-            *--m_at = digits[rest - 1];
+            Put(digits[rest - 1]);
         }
     }
+    std::size_t Length() const { return m_length; }
 
 private:
-    char* m_at;
+    char* m_end;
+    std::size_t m_room;
+    std::size_t m_length = 0;
 };
 
 struct Sign {
@@ -151,20 +149,17 @@ int GetNumberFormatA(LCID, DWORD flags, const char* value, const NUMBERFMTA* for
     const std::string_view separator = format->lpThousandSep;
     const std::string_view point = number.fraction.empty() ? "" : format->lpDecimalSep;
     const Groups groups(format->Grouping);
-    const std::size_t length = sign.before.size() + number.whole.size() +
-                               CountSeparators(number.whole.size(), groups) * separator.size() +
-                               point.size() + number.fraction.size() + sign.behind.size();
-    if (length >= MaxFormatted || (size > 0 && std::cmp_less_equal(size, length)))
-        return Fail(ERROR_INSUFFICIENT_BUFFER);
-    const int needed = static_cast<int>(length + 1);
-    if (size == 0)
-        return needed;
-    Writer out(buffer + needed);
-    out.Put(std::string_view("", 1)); // NOLINT(bugprone-string-constructor): the closing NUL
+    Writer out(buffer, static_cast<std::size_t>(size));
+    out.Put('\0');
     out.Put(sign.behind);
     out.Put(number.fraction);
     out.Put(point);
     out.PutGrouped(number.whole, groups, separator);
     out.Put(sign.before);
-    return needed;
+    const std::size_t needed = out.Length();
+    if (needed > MaxFormatted || (size > 0 && std::cmp_less(size, needed)))
+        return Fail(ERROR_INSUFFICIENT_BUFFER);
+    if (size > 0)
+        std::memmove(buffer, buffer + size - needed, needed);
+    return static_cast<int>(needed);
 }

@@ -87,14 +87,17 @@ void WaitShortly(int attempt) noexcept
 
 } // namespace
 
-bool ShareLocks::Enter(int descriptor, unsigned uses, unsigned denies) noexcept
+bool ShareLocks::Enter(int descriptor, unsigned uses, unsigned denies, bool isNew) noexcept
 {
     const unsigned own = BytesFor(uses, denies);
     const unsigned opposed = BytesFor(denies, uses);
     const unsigned lasting = opposed & ~BytesFor(Deletes, 0); // deleting takes a moment: worth waiting for
+    const bool isFirstLookSpared = isNew || (uses == Deletes && denies == 0);
     for (int attempt = 0; attempt < Attempts; ++attempt) {
-        // Looked at before anything is announced, so that one who is not let in disturbs nobody.
-        if (IsAnyHeldByOthers(descriptor, lasting) || !Announce(descriptor, own))
+        // Looked at before anything is announced, so that one who is not let in disturbs nobody. Deleting
+        // only makes others wait, and hardly anybody has got at a file that was made a moment ago.
+        const bool looksFirst = attempt > 0 || !isFirstLookSpared;
+        if ((looksFirst && IsAnyHeldByOthers(descriptor, lasting)) || !Announce(descriptor, own))
             return false;
         if (!IsAnyHeldByOthers(descriptor, opposed))
             return true;

@@ -18,7 +18,8 @@ enum Use : unsigned { Deletes = 1, Reads = 2, Writes = 4 };
 // so, its locks are kept until the descriptor is closed. No two handles that exclude each other are ever both
 // let in; of two that come at the same moment one gets in. For that, and while another deletes or replaces
 // the file, some waiting is done, usually for microseconds and never for more than a third of a second. A
-// file system without such locks lets everybody in. A whole-file lock of another program shuts everybody out.
-bool Enter(int descriptor, unsigned uses, unsigned denies) noexcept;
+// file that the caller has just made costs one question less. A file system without such locks lets everybody
+// in. A whole-file lock of another program shuts everybody out.
+bool Enter(int descriptor, unsigned uses, unsigned denies, bool isNew = false) noexcept;
 
 } // namespace ShareLocks
