@@ -26,6 +26,7 @@ TEST(CStringFront, FollowsEveryChange)
         [](CString& s) { s.Truncate(7); },
         [](CString& s) { s.TrimLeft("ab"); },
         [](CString& s) { s += s; },
+        [](CString& s) { s.Truncate(7), s += CString("front"); },
         [](CString& s) { s = CString("q") + s; },
         [](CString& s) { s.FreeExtra(); },
         [](CString& s) { std::memset(s.GetBuffer(), 'y', 4), s.ReleaseBuffer(); },

@@ -29,6 +29,8 @@ void ExpectSame(const CString& text, const std::string& model)
     ASSERT_EQ(text.GetLength(), static_cast<int>(model.size()));
     ASSERT_EQ(text.View(), model);
     ASSERT_EQ(text.GetString()[text.GetLength()], '\0');
+    for (const char c : {'c', '!', '\0', '\x80'})
+        ASSERT_EQ(text.Find(c), static_cast<int>(static_cast<std::ptrdiff_t>(model.find(c))));
 }
 
 // The same random edit of a string and of its model.
