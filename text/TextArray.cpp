@@ -233,6 +233,7 @@ private:
 
     const CString& m_text;
     bool m_caseSensitive;
+    static_assert(CString::FrontSize == 2 * sizeof(std::uint64_t));
     std::array<std::uint8_t, CString::FrontSize> m_ignored; // the bits that tell nothing; behind a NUL, all
     std::array<std::uint8_t, CString::FrontSize> m_front;   // with the ignored bits set
 };
