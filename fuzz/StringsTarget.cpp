@@ -16,6 +16,8 @@ void ExpectSame(const CString& text, const std::string& model)
     Expect("GetLength", text.GetLength(), static_cast<int>(model.size()), model);
     Expect("the text", std::string(text.View()), model);
     Expect("the NUL behind it", text.GetString()[text.GetLength()], '\0', model);
+    for (const char c : {'c', '!', '\0', '\x80'})
+        Expect("Find", text.Find(c), static_cast<int>(static_cast<std::ptrdiff_t>(model.find(c))), model, c);
     // The first characters of a long text are kept in the string itself: no change may miss them.
     Expect("GetFront", std::strncmp(text.GetFront(), text, CString::FrontSize), 0, model);
 }

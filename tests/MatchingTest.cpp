@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 
 #include "StringUtils.h"
@@ -26,6 +27,22 @@ TEST(Matching, CutsPartsAtTheEndsOfTheText)
             EXPECT_EQ(StringUtils::CopySubString(text, a, b), part);
             EXPECT_EQ(StringUtils::GetTextFromMiddle(text, a, b), middle);
         }
+}
+
+// Inside a string and beyond, where other code looks.
+TEST(Matching, FindsAMiddleAtEveryPlace)
+{
+    const std::string letters = "[wertyuiopasdfghjkl";
+    for (std::size_t length = 1; length < 36; ++length)
+        for (std::size_t size = 1; size <= std::min(length, letters.size()); ++size)
+            for (std::size_t at = 0; at + size <= length; ++at) {
+                const std::string middle = letters.substr(letters.size() - size);
+                const CString spec = "*" + CString(middle).MakeUpper() + "*";
+                std::string text = std::string(length - size, '.').insert(at, middle);
+                ASSERT_TRUE(StringUtils::MatchSpec(CString(text), spec, false)) << text;
+                text[at] = '.';
+                ASSERT_FALSE(StringUtils::MatchSpec(CString(text), spec, false)) << text;
+            }
 }
 
 } // namespace

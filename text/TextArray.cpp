@@ -1,6 +1,7 @@
 #include "TextArray.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -11,7 +12,7 @@
 #include "NumberTextConv.h"
 #include "StringUtils.h"
 #include "framework/NeverDestroyed.h"
-#include "text/PackedText.h"
+#include "framework/TextSearch.h"
 
 static constinit NeverDestroyed<CString> decimalSeparator;
 constinit CString& TextArray::m_csDecimal = decimalSeparator.value;
@@ -189,43 +190,52 @@ void TextArray::Dump() const
 
 namespace {
 
-// One text that many are compared with. Most others are turned away by their first characters.
+// One text that many are compared with. Most others are turned away by their first characters: those that
+// differ in other bits than the cases of a character do.
 class WantedText {
 public:
     WantedText(const CString& text, bool caseSensitive, std::size_t others)
-        : m_text(text), m_caseSensitive(caseSensitive),
-          m_folding(caseSensitive || others < WorthFolding ? PackedText::CaseFolding::Exact()
-                                                           : PackedText::CaseFolding::Runtime())
+        : m_text(text), m_caseSensitive(caseSensitive)
     {
-        if (!caseSensitive && others < WorthFolding)
-            return; // all of them are compared
-        const char* const front = text.GetString();
-        const std::size_t told = std::min(std::strlen(front) + 1, sizeof m_front); // the closing NUL as well
-        char telling[sizeof m_front] = {};
-        std::memset(telling, 0xFF, told);
-        std::memcpy(m_telling, telling, sizeof m_telling);
-        std::memcpy(m_front, text.GetFront(), sizeof m_front);
-        std::transform(m_front, m_front + Words, m_front, m_folding);
+        constexpr std::size_t WorthFolding = 64; // to learn the locale's cases costs about as many looks
+        m_ignored.fill(0xFF);
+        m_front.fill(0xFF);
+        if (caseSensitive)
+            TakeFront(TextSearch::Exact);
+        else if (others >= WorthFolding)
+            TakeFront(TextSearch::RuntimeLowercase());
     }
     bool operator()(const CString& other) const
     {
-        std::uint64_t front[Words];
-        std::memcpy(front, other.GetFront(), sizeof front);
         std::uint64_t different = 0;
-        for (std::size_t i = 0; i < Words; ++i)
-            different |= (m_folding(front[i]) ^ m_front[i]) & m_telling[i];
+        for (std::size_t i = 0; i < CString::FrontSize; i += 8)
+            different |=
+                (EightFrom(other.GetFront() + i) | EightFrom(&m_ignored[i])) ^ EightFrom(&m_front[i]);
         return different == 0 && (m_caseSensitive ? other.Compare(m_text) : other.CompareNoCase(m_text)) == 0;
     }
 
 private:
-    static constexpr std::size_t WorthFolding = 64; // to learn the locale's cases costs about as many looks
-    static constexpr std::size_t Words = CString::FrontSize / sizeof(std::uint64_t);
+    static std::uint64_t EightFrom(const void* bytes)
+    {
+        std::uint64_t word;
+        std::memcpy(&word, bytes, sizeof word);
+        return word;
+    }
+    void TakeFront(const TextSearch::ByteFold& fold)
+    {
+        const char* const text = m_text.GetString();
+        const std::size_t told = std::min(std::strlen(text) + 1, m_front.size()); // the closing NUL as well
+        for (std::size_t i = 0; i < told; ++i) {
+            m_ignored[i] = fold.VaryingBits(text[i]);
+            m_front[i] = static_cast<std::uint8_t>(static_cast<std::uint8_t>(text[i]) | m_ignored[i]);
+        }
+    }
 
     const CString& m_text;
     bool m_caseSensitive;
-    PackedText::CaseFolding m_folding;
-    std::uint64_t m_front[Words] = {};   // folded
-    std::uint64_t m_telling[Words] = {}; // all ones in the bytes up to and with the first NUL
+    static_assert(CString::FrontSize == 2 * sizeof(std::uint64_t));
+    std::array<std::uint8_t, CString::FrontSize> m_ignored; // the bits that tell nothing; behind a NUL, all
+    std::array<std::uint8_t, CString::FrontSize> m_front;   // with the ignored bits set
 };
 
 } // namespace
