@@ -148,9 +148,10 @@ struct NameKeys {
     std::vector<std::string_view> keys;
     bool areWhole = true;
 
-    void Add(const FileNameKeys& writer, const FileNameOrder::Pieces& name, std::size_t bytesInFront)
+    void Add(const FileNameKeys& writer, const CString& path, const FileNameOrder::Pieces& name,
+             std::size_t bytesInFront)
     {
-        unsigned char* const out = memory.Room(bytesInFront + FileNameKeys::MaxSize(name));
+        unsigned char* const out = memory.Room(bytesInFront + FileNameKeys::MaxSize(path));
         const FileNameKeys::Key key = writer.Write(name, out + bytesInFront);
         keys.push_back(memory.Keep(key.end));
         areWhole = areWhole && key.isWhole;
@@ -163,7 +164,7 @@ NameKeys MakeFileKeys(const std::vector<CString>& names, bool caseSensitive)
     made.keys.reserve(names.size());
     const FileNameKeys writer(caseSensitive);
     for (const CString& name : names)
-        made.Add(writer, FileNameOrder::Split(name), 0);
+        made.Add(writer, name, FileNameOrder::Split(name), 0);
     return made;
 }
 
@@ -180,7 +181,7 @@ NameKeys MakePathKeys(const std::vector<CString>& paths, bool caseSensitive)
     for (const CString& path : paths) {
         const FileNameOrder::Pieces pieces = FileNameOrder::Split(path);
         numbers.push_back(folders.NumberOf(ComparedFolder(pieces.folder)));
-        made.Add(writer, pieces, placeBytes);
+        made.Add(writer, path, pieces, placeBytes);
     }
     const std::vector<std::size_t> places = folders.Places(caseSensitive);
     for (std::size_t i = 0; i < paths.size(); ++i) {
