@@ -14,6 +14,7 @@
 #include "files/TextEncoding.h"
 #include "files/TextFile.h"
 #include "framework/FailureMarkers.h"
+#include "framework/LargeMemory.h"
 #include "framework/NamesOnDisk.h"
 #include "framework/PathParts.h"
 #include "framework/SystemMessages.h"
@@ -63,7 +64,9 @@ void ReserveAsFor(const TextFile& file, TextArray& firstLines)
 {
     const uint64 size = file.GetSize();
     const uint64 expected = size / std::max<uint64>(file.GetPosition(), 1) * firstLines.GetCount();
-    firstLines.Reserve(std::min(expected + expected / 8, size / sizeof(CString)));
+    const uint64 count = std::min(expected + expected / 8, size / sizeof(CString));
+    firstLines.Reserve(count);
+    LargeMemory::WillBeFilled(&firstLines[0], count * sizeof(CString));
 }
 
 void ReadDetecting(const CString& path, TextArray& lines, int* encoding)

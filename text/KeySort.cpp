@@ -5,6 +5,7 @@
 #include <bit>
 #include <utility>
 
+#include "framework/LargeMemory.h"
 #include "text/Prefetch.h"
 
 namespace {
@@ -18,7 +19,7 @@ KeySort::KeySort(const std::vector<std::string_view>& keys, const PackedText::Ca
                  bool ascending)
     : m_keys(keys), m_folding(folding), m_flip(ascending ? 0 : ~std::uint64_t{0})
 {
-    m_entries.reserve(keys.size());
+    LargeMemory::Reserve(m_entries, keys.size());
     for (std::size_t i = 0; i < keys.size(); ++i)
         m_entries.push_back({BlockAt(i, 0), i});
 }
@@ -66,6 +67,7 @@ std::vector<KeySort::Entry> KeySort::Sort()
         return std::move(m_entries);
     }
     m_spare = std::make_unique_for_overwrite<Entry[]>(m_entries.size());
+    LargeMemory::WillBeFilled(m_spare.get(), m_entries.size() * sizeof(Entry));
     std::vector<Group> groups = {{0, m_entries.size(), 0}};
     while (!groups.empty()) {
         const Group group = groups.back();
