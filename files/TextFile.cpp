@@ -121,10 +121,19 @@ void TextFile::SetCodePage(unsigned int codePage, const CString& defaultChar)
 
 int TextFile::ReadLine(CString& line)
 {
+    std::string_view text;
+    const int result = ReadText(text);
+    if (result == Done)
+        line = CString(text);
+    return result;
+}
+
+int TextFile::ReadText(std::string_view& text)
+{
     if (!m_reader)
         return SystemError;
     const char* const defaultChar = m_defaultChar.IsEmpty() ? nullptr : m_defaultChar.GetString();
-    const int result = m_reader->ReadLine(line, m_codePage, defaultChar, nullptr);
+    const int result = m_reader->ReadText(text, m_codePage, defaultChar, nullptr);
     m_linesRead += result == TextFileReader::LineDelivered;
     return result;
 }

@@ -31,8 +31,9 @@ public:
     // SystemError when something was not written or the file could not be closed; closing twice is Done.
     int Close();
 
-    int ReadLine(CString& line);        // Done, EndOfFile or SystemError
-    int WriteLine(const CString& line); // with CR LF behind it; Done or SystemError
+    int ReadLine(CString& line);          // Done, EndOfFile or SystemError
+    int ReadText(std::string_view& text); // the same; the text holds until the next call
+    int WriteLine(const CString& line);   // with CR LF behind it; Done or SystemError
 
     int GetEncoding() const { return m_encoding; } // after opening for reading, what was found
     const CString& GetFileName() const { return m_fileName; }

@@ -79,8 +79,8 @@ void ReadDetecting(const CString& path, TextArray& lines, int* encoding)
     if (encoding != nullptr)
         *encoding = file->GetEncoding();
     constexpr std::size_t sample = 1000;
-    for (CString line; file->ReadLine(line) == TextFile::Done;) {
-        lines.Add(std::move(line));
+    for (std::string_view line; file->ReadText(line) == TextFile::Done;) {
+        lines.Add(line.data(), static_cast<int>(line.size()));
         if (lines.GetCount() == sample)
             ReserveAsFor(*file, lines);
     }

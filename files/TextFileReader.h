@@ -16,7 +16,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "CString.h"
 #include "platform/Platform.h"
@@ -43,9 +42,12 @@ public:
     // The next line in the code page; the last two arguments are those of WideCharToMultiByte (`usedDefault`
     // may be null, and is FALSE for what needed no conversion). After anything but LineDelivered the line is
     // what it was. A line of more units than a CString can hold, and one that the system does not convert (a
-    // code page it does not know), is a ReadError. Takes the memory of the line in the file and of the line
-    // in UTF-16 besides the result, and keeps it for the next.
+    // code page it does not know), is a ReadError. Takes the memory of the line in the file, in UTF-16 and in
+    // the code page besides the result, and keeps it for the next.
     virtual int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault);
+    // The same; the text holds until the next call.
+    virtual int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                         int* usedDefault);
 
     uint64 GetPosition() const { return m_bufferAt + m_begin; } // what was read, in bytes
 
@@ -56,19 +58,20 @@ protected:
     int ReadRawLine(std::string_view& raw);
     // Whether that line, of bytes, is ASCII. It may also say no because of what stands behind the line.
     bool IsAscii(std::string_view raw);
-    // The steps from there to the caller's string, each with a Result.
-    static int Deliver(CString&& text, CString& line, int* usedDefault)
+    // The steps from there to the text, each with a Result.
+    static int Deliver(std::string_view narrow, std::string_view& text, int* usedDefault)
     {
-        line = std::move(text);
+        text = narrow;
         if (usedDefault != nullptr)
             *usedDefault = FALSE;
         return LineDelivered;
     }
-    static int Convert(std::basic_string_view<WCHAR> wide, CString& line, unsigned int codePage,
-                       const char* defaultChar, int* usedDefault);
-    // The whole of ReadLine for 16-bit units.
+    int Convert(std::basic_string_view<WCHAR> wide, std::string_view& text, unsigned int codePage,
+                const char* defaultChar, int* usedDefault);
+    // The whole of ReadText for 16-bit units.
     template <std::endian ByteOrder>
-    int ReadWideLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault);
+    int ReadWideText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                     int* usedDefault);
 
     std::basic_string<WCHAR> m_wide; // the line in UTF-16; its room is used again
 
@@ -80,6 +83,9 @@ private:
     const char* FindLineFeed() const;
     bool StartsFill(uint64 position);
     std::string_view EndLine(const char* lineFeed);
+    int GatherLine(std::string_view& raw);
+    bool ConvertBySystem(std::basic_string_view<WCHAR> wide, unsigned int codePage, const char* defaultChar,
+                         int* usedDefault);
     template <std::endian ByteOrder>
     const char* Narrowed(std::string_view raw);
 
@@ -96,7 +102,8 @@ private:
     std::size_t m_asciiEnd = 0;       // up to there it is ASCII, from the line on that asked for it last
     std::unique_ptr<char[]> m_narrow; // for 16-bit units: the ASCII in front of m_asciiEnd
     bool m_isAtEnd = false;
-    std::string m_line; // of a line that lies in more than one read, what came with the earlier ones
+    std::string m_line;      // of a line that lies in more than one read, what came with the earlier ones
+    std::string m_converted; // the line as the system converted it
 };
 
 // The bytes are delivered as they are, whatever the code page.
@@ -106,7 +113,8 @@ public:
         : TextFileReader(fileName, file, bufferSize)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;
@@ -122,7 +130,8 @@ public:
         : TextFileReader(fileName, file, bufferSize)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;
@@ -134,7 +143,8 @@ public:
         : TextFileReader(fileName, file, bufferSize, 2)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;
@@ -146,7 +156,8 @@ public:
         : TextFileReader(fileName, file, bufferSize, 2)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;

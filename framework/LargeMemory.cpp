@@ -6,7 +6,8 @@
 #include <sys/mman.h>
 #endif
 
-void LargeMemory::WillBeFilled([[maybe_unused]] const void* memory, [[maybe_unused]] std::size_t size) noexcept
+void LargeMemory::WillBeFilled([[maybe_unused]] const void* memory,
+                               [[maybe_unused]] std::size_t size) noexcept
 {
 #ifdef MADV_HUGEPAGE
     constexpr std::size_t LargePage = 1 << 21;
