@@ -137,18 +137,3 @@ int TextFile::ReadText(std::string_view& text)
     m_linesRead += result == TextFileReader::LineDelivered;
     return result;
 }
-
-int TextFile::WriteLine(const CString& line)
-{
-    if (!m_writer)
-        return SystemError;
-    if (m_isMarkPending && m_writer->BeforeText(m_isMarkPending) != TextFileWriter::Written)
-        return SystemError;
-    const std::string_view text = line.View();
-    if (m_writer->WriteText(text.data(), static_cast<int>(text.size()), m_codePage) !=
-            TextFileWriter::Written ||
-        m_writer->EndLine() != TextFileWriter::Written)
-        return SystemError;
-    ++m_linesWritten;
-    return Done;
-}
