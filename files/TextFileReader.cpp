@@ -173,21 +173,22 @@ bool TextFileReader::IsAscii(std::string_view raw)
 
 // ---- from the raw line to the text ----------------------------------------------------------------------
 
-bool TextFileReader::ConvertBySystem(std::basic_string_view<WCHAR> wide, unsigned int codePage,
-                                     const char* defaultChar, int* usedDefault)
+// False when the system does not convert it.
+static bool NarrowBySystem(std::basic_string_view<WCHAR> wide, std::string& narrow, unsigned int codePage,
+                           const char* defaultChar, int* usedDefault)
 {
-    const auto convert = [&](int size) {
-        m_converted.resize(static_cast<std::size_t>(size));
+    const auto convert = [&](int room) {
+        narrow.resize(static_cast<std::size_t>(room));
         return WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()),
-                                   size == 0 ? nullptr : m_converted.data(), size, defaultChar, usedDefault);
+                                   room == 0 ? nullptr : narrow.data(), room, defaultChar, usedDefault);
     };
-    int count = wide.empty() ? 0 : convert(static_cast<int>(wide.size())); // enough for pages of one byte
-    if (count <= 0 && !wide.empty() && GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
-        const int room = convert(0);
-        count = room > 0 && room <= CString::MaxLength ? convert(room) : 0;
+    int count = convert(static_cast<int>(wide.size())); // enough for pages of one byte
+    if (count <= 0 && GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
+        const int needed = convert(0);
+        count = needed > 0 && needed <= CString::MaxLength ? convert(needed) : 0;
     }
-    m_converted.resize(static_cast<std::size_t>(std::max(count, 0)));
-    return !m_converted.empty() || wide.empty();
+    narrow.resize(static_cast<std::size_t>(std::max(count, 0)));
+    return !narrow.empty() || wide.empty();
 }
 
 int TextFileReader::Convert(std::basic_string_view<WCHAR> wide, std::string_view& text, unsigned int codePage,
@@ -195,7 +196,8 @@ int TextFileReader::Convert(std::basic_string_view<WCHAR> wide, std::string_view
 {
     int isDefaultUsed = FALSE;
     const bool isUtf8 = codePage == CP_UTF8; // which lacks nothing, and whose conversion takes neither
-    if (!ConvertBySystem(wide, codePage, isUtf8 ? nullptr : defaultChar, isUtf8 ? nullptr : &isDefaultUsed))
+    if (!NarrowBySystem(wide, m_converted, codePage, isUtf8 ? nullptr : defaultChar,
+                        isUtf8 ? nullptr : &isDefaultUsed))
         return ReadError;
     Deliver(m_converted, text, usedDefault);
     if (usedDefault != nullptr)

@@ -73,7 +73,9 @@ protected:
     int ReadWideText(std::string_view& text, unsigned int codePage, const char* defaultChar,
                      int* usedDefault);
 
-    std::basic_string<WCHAR> m_wide; // the line in UTF-16; its room is used again
+    // The line in UTF-16, and as the system converts it; their room is used again.
+    std::basic_string<WCHAR> m_wide;
+    std::string m_converted;
 
 private:
     static constexpr std::size_t ReadSize = 1 << 17; // at once: whole units, and few enough for the cache
@@ -84,8 +86,6 @@ private:
     bool StartsFill(uint64 position);
     std::string_view EndLine(const char* lineFeed);
     int GatherLine(std::string_view& raw);
-    bool ConvertBySystem(std::basic_string_view<WCHAR> wide, unsigned int codePage, const char* defaultChar,
-                         int* usedDefault);
     template <std::endian ByteOrder>
     const char* Narrowed(std::string_view raw);
 
@@ -102,8 +102,7 @@ private:
     std::size_t m_asciiEnd = 0;       // up to there it is ASCII, from the line on that asked for it last
     std::unique_ptr<char[]> m_narrow; // for 16-bit units: the ASCII in front of m_asciiEnd
     bool m_isAtEnd = false;
-    std::string m_line;      // of a line that lies in more than one read, what came with the earlier ones
-    std::string m_converted; // the line as the system converted it
+    std::string m_line; // of a line that lies in more than one read, what came with the earlier ones
 };
 
 // The bytes are delivered as they are, whatever the code page.
