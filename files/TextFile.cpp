@@ -121,25 +121,19 @@ void TextFile::SetCodePage(unsigned int codePage, const CString& defaultChar)
 
 int TextFile::ReadLine(CString& line)
 {
-    if (!m_reader)
-        return SystemError;
-    const char* const defaultChar = m_defaultChar.IsEmpty() ? nullptr : m_defaultChar.GetString();
-    const int result = m_reader->ReadLine(line, m_codePage, defaultChar, nullptr);
-    m_linesRead += result == TextFileReader::LineDelivered;
+    std::string_view text;
+    const int result = ReadText(text);
+    if (result == Done)
+        line = CString(text);
     return result;
 }
 
-int TextFile::WriteLine(const CString& line)
+int TextFile::ReadText(std::string_view& text)
 {
-    if (!m_writer)
+    if (!m_reader)
         return SystemError;
-    if (m_isMarkPending && m_writer->BeforeText(m_isMarkPending) != TextFileWriter::Written)
-        return SystemError;
-    const std::string_view text = line.View();
-    if (m_writer->WriteText(text.data(), static_cast<int>(text.size()), m_codePage) !=
-            TextFileWriter::Written ||
-        m_writer->EndLine() != TextFileWriter::Written)
-        return SystemError;
-    ++m_linesWritten;
-    return Done;
+    const char* const defaultChar = m_defaultChar.IsEmpty() ? nullptr : m_defaultChar.GetString();
+    const int result = m_reader->ReadText(text, m_codePage, defaultChar, nullptr);
+    m_linesRead += result == TextFileReader::LineDelivered;
+    return result;
 }

@@ -31,8 +31,19 @@ public:
     // SystemError when something was not written or the file could not be closed; closing twice is Done.
     int Close();
 
-    int ReadLine(CString& line);        // Done, EndOfFile or SystemError
-    int WriteLine(const CString& line); // with CR LF behind it; Done or SystemError
+    int ReadLine(CString& line);          // Done, EndOfFile or SystemError
+    int ReadText(std::string_view& text); // the same; the text holds until the next call
+    int WriteLine(const CString& line)    // with CR LF behind it; Done or SystemError
+    {
+        if (!m_writer)
+            return SystemError;
+        if (m_isMarkPending && m_writer->BeforeText(m_isMarkPending) != TextFileWriter::Written)
+            return SystemError;
+        if (m_writer->WriteLine(line, m_codePage) != TextFileWriter::Written)
+            return SystemError;
+        ++m_linesWritten;
+        return Done;
+    }
 
     int GetEncoding() const { return m_encoding; } // after opening for reading, what was found
     const CString& GetFileName() const { return m_fileName; }

@@ -14,6 +14,7 @@
 #include "files/TextEncoding.h"
 #include "files/TextFile.h"
 #include "framework/FailureMarkers.h"
+#include "framework/LargeMemory.h"
 #include "framework/NamesOnDisk.h"
 #include "framework/PathParts.h"
 #include "framework/SystemMessages.h"
@@ -63,7 +64,9 @@ void ReserveAsFor(const TextFile& file, TextArray& firstLines)
 {
     const uint64 size = file.GetSize();
     const uint64 expected = size / std::max<uint64>(file.GetPosition(), 1) * firstLines.GetCount();
-    firstLines.Reserve(std::min(expected + expected / 8, size / sizeof(CString)));
+    const uint64 count = std::min(expected + expected / 8, size / sizeof(CString));
+    firstLines.Reserve(count);
+    LargeMemory::WillBeFilled(&firstLines[0], count * sizeof(CString));
 }
 
 void ReadDetecting(const CString& path, TextArray& lines, int* encoding)
@@ -76,8 +79,8 @@ void ReadDetecting(const CString& path, TextArray& lines, int* encoding)
     if (encoding != nullptr)
         *encoding = file->GetEncoding();
     constexpr std::size_t sample = 1000;
-    for (CString line; file->ReadLine(line) == TextFile::Done;) {
-        lines.Add(std::move(line));
+    for (std::string_view line; file->ReadText(line) == TextFile::Done;) {
+        lines.Add(line.data(), static_cast<int>(line.size()));
         if (lines.GetCount() == sample)
             ReserveAsFor(*file, lines);
     }

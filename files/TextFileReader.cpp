@@ -39,9 +39,18 @@ char16_t TextFileReader::UnitAt(const char*) const
     return 0;
 }
 
-int TextFileReader::ReadLine(CString&, unsigned int, const char*, int*)
+int TextFileReader::ReadText(std::string_view&, unsigned int, const char*, int*)
 {
     return EndOfFile;
+}
+
+int TextFileReader::ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault)
+{
+    std::string_view text;
+    const int result = ReadText(text, codePage, defaultChar, usedDefault);
+    if (result == LineDelivered)
+        line = CString(text);
+    return result;
 }
 
 // ---- the buffer -----------------------------------------------------------------------------------------
@@ -118,9 +127,19 @@ inline std::string_view TextFileReader::EndLine(const char* lineFeed)
 
 int TextFileReader::ReadRawLine(std::string_view& raw)
 {
+    m_line.clear();
+    const char* const lineFeed = FindLineFeed();
+    if (lineFeed == nullptr)
+        return GatherLine(raw);
+    raw = EndLine(lineFeed);
+    return LineDelivered;
+}
+
+// A line of which the buffer holds only the front, if anything.
+int TextFileReader::GatherLine(std::string_view& raw)
+{
     constexpr std::size_t mostGathered =
         CString::MaxLength - ReadSize; // units: with one read more a CString's
-    m_line.clear();
     for (;;) {
         if (const char* const lineFeed = FindLineFeed(); lineFeed != nullptr) {
             raw = EndLine(lineFeed);
@@ -152,37 +171,35 @@ bool TextFileReader::IsAscii(std::string_view raw)
     return begin + raw.size() <= m_asciiEnd;
 }
 
-// ---- from the raw line to the caller's ------------------------------------------------------------------
+// ---- from the raw line to the text ----------------------------------------------------------------------
 
-// Empty when the system does not convert it.
-static CString NarrowBySystem(std::basic_string_view<WCHAR> wide, unsigned int codePage,
-                              const char* defaultChar, int* usedDefault)
+// False when the system does not convert it.
+static bool NarrowBySystem(std::basic_string_view<WCHAR> wide, std::string& narrow, unsigned int codePage,
+                           const char* defaultChar, int* usedDefault)
 {
-    const auto convert = [&](char* narrow, int size) {
-        return WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()), narrow, size,
-                                   defaultChar, usedDefault);
+    const auto convert = [&](int room) {
+        narrow.resize(static_cast<std::size_t>(room));
+        return WideCharToMultiByte(codePage, 0, wide.data(), static_cast<int>(wide.size()),
+                                   room == 0 ? nullptr : narrow.data(), room, defaultChar, usedDefault);
     };
-    CString narrow;
-    int room = static_cast<int>(wide.size()); // enough for pages of one byte
-    int count = convert(narrow.GetBuffer(room), room);
+    int count = convert(static_cast<int>(wide.size())); // enough for pages of one byte
     if (count <= 0 && GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
-        room = convert(nullptr, 0);
-        count = room <= CString::MaxLength ? convert(narrow.GetBuffer(room), room) : 0;
+        const int needed = convert(0);
+        count = needed > 0 && needed <= CString::MaxLength ? convert(needed) : 0;
     }
-    narrow.ReleaseBuffer(std::max(count, 0));
-    return narrow;
+    narrow.resize(static_cast<std::size_t>(std::max(count, 0)));
+    return !narrow.empty() || wide.empty();
 }
 
-int TextFileReader::Convert(std::basic_string_view<WCHAR> wide, CString& line, unsigned int codePage,
+int TextFileReader::Convert(std::basic_string_view<WCHAR> wide, std::string_view& text, unsigned int codePage,
                             const char* defaultChar, int* usedDefault)
 {
     int isDefaultUsed = FALSE;
     const bool isUtf8 = codePage == CP_UTF8; // which lacks nothing, and whose conversion takes neither
-    CString narrow =
-        NarrowBySystem(wide, codePage, isUtf8 ? nullptr : defaultChar, isUtf8 ? nullptr : &isDefaultUsed);
-    if (narrow.IsEmpty() && !wide.empty())
+    if (!NarrowBySystem(wide, m_converted, codePage, isUtf8 ? nullptr : defaultChar,
+                        isUtf8 ? nullptr : &isDefaultUsed))
         return ReadError;
-    Deliver(std::move(narrow), line, usedDefault);
+    Deliver(m_converted, text, usedDefault);
     if (usedDefault != nullptr)
         *usedDefault = isDefaultUsed;
     return LineDelivered;

@@ -16,7 +16,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "CString.h"
 #include "platform/Platform.h"
@@ -43,9 +42,12 @@ public:
     // The next line in the code page; the last two arguments are those of WideCharToMultiByte (`usedDefault`
     // may be null, and is FALSE for what needed no conversion). After anything but LineDelivered the line is
     // what it was. A line of more units than a CString can hold, and one that the system does not convert (a
-    // code page it does not know), is a ReadError. Takes the memory of the line in the file and of the line
-    // in UTF-16 besides the result, and keeps it for the next.
+    // code page it does not know), is a ReadError. Takes the memory of the line in the file, in UTF-16 and in
+    // the code page besides the result, and keeps it for the next.
     virtual int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault);
+    // The same; the text holds until the next call.
+    virtual int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                         int* usedDefault);
 
     uint64 GetPosition() const { return m_bufferAt + m_begin; } // what was read, in bytes
 
@@ -56,21 +58,24 @@ protected:
     int ReadRawLine(std::string_view& raw);
     // Whether that line, of bytes, is ASCII. It may also say no because of what stands behind the line.
     bool IsAscii(std::string_view raw);
-    // The steps from there to the caller's string, each with a Result.
-    static int Deliver(CString&& text, CString& line, int* usedDefault)
+    // The steps from there to the text, each with a Result.
+    static int Deliver(std::string_view narrow, std::string_view& text, int* usedDefault)
     {
-        line = std::move(text);
+        text = narrow;
         if (usedDefault != nullptr)
             *usedDefault = FALSE;
         return LineDelivered;
     }
-    static int Convert(std::basic_string_view<WCHAR> wide, CString& line, unsigned int codePage,
-                       const char* defaultChar, int* usedDefault);
-    // The whole of ReadLine for 16-bit units.
+    int Convert(std::basic_string_view<WCHAR> wide, std::string_view& text, unsigned int codePage,
+                const char* defaultChar, int* usedDefault);
+    // The whole of ReadText for 16-bit units.
     template <std::endian ByteOrder>
-    int ReadWideLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault);
+    int ReadWideText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                     int* usedDefault);
 
-    std::basic_string<WCHAR> m_wide; // the line in UTF-16; its room is used again
+    // The line in UTF-16, and as the system converts it; their room is used again.
+    std::basic_string<WCHAR> m_wide;
+    std::string m_converted;
 
 private:
     static constexpr std::size_t ReadSize = 1 << 17; // at once: whole units, and few enough for the cache
@@ -80,6 +85,7 @@ private:
     const char* FindLineFeed() const;
     bool StartsFill(uint64 position);
     std::string_view EndLine(const char* lineFeed);
+    int GatherLine(std::string_view& raw);
     template <std::endian ByteOrder>
     const char* Narrowed(std::string_view raw);
 
@@ -106,7 +112,8 @@ public:
         : TextFileReader(fileName, file, bufferSize)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;
@@ -122,7 +129,8 @@ public:
         : TextFileReader(fileName, file, bufferSize)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;
@@ -134,7 +142,8 @@ public:
         : TextFileReader(fileName, file, bufferSize, 2)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;
@@ -146,7 +155,8 @@ public:
         : TextFileReader(fileName, file, bufferSize, 2)
     {
     }
-    int ReadLine(CString& line, unsigned int codePage, const char* defaultChar, int* usedDefault) override;
+    int ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
+                 int* usedDefault) override;
 
 protected:
     char16_t UnitAt(const char* bytes) const override;

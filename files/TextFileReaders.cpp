@@ -87,24 +87,24 @@ char16_t UTF8_TextFileReader::UnitAt(const char* bytes) const
     return static_cast<char16_t>(ByteAt(bytes));
 }
 
-int ANSI_TextFileReader::ReadLine(CString& line, unsigned int, const char*, int* usedDefault)
+int ANSI_TextFileReader::ReadText(std::string_view& text, unsigned int, const char*, int* usedDefault)
 {
     std::string_view raw;
     const int result = ReadRawLine(raw);
-    return result == LineDelivered ? Deliver(CString(raw), line, usedDefault) : result;
+    return result == LineDelivered ? Deliver(raw, text, usedDefault) : result;
 }
 
-int UTF8_TextFileReader::ReadLine(CString& line, unsigned int codePage, const char* defaultChar,
+int UTF8_TextFileReader::ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
                                   int* usedDefault)
 {
     std::string_view raw;
     if (const int result = ReadRawLine(raw); result != LineDelivered)
         return result;
     if (AsciiText::IsKeptBy(codePage) && IsAscii(raw))
-        return Deliver(CString(raw), line, usedDefault);
+        return Deliver(raw, text, usedDefault);
     m_wide.resize(raw.size());
     m_wide.resize(DecodeUtf8(raw, m_wide.data()));
-    return Convert(m_wide, line, codePage, defaultChar, usedDefault);
+    return Convert(m_wide, text, codePage, defaultChar, usedDefault);
 }
 
 // ---- 16-bit units ---------------------------------------------------------------------------------------
@@ -166,7 +166,7 @@ const char* TextFileReader::Narrowed(std::string_view raw)
 }
 
 template <std::endian ByteOrder>
-int TextFileReader::ReadWideLine(CString& line, unsigned int codePage, const char* defaultChar,
+int TextFileReader::ReadWideText(std::string_view& text, unsigned int codePage, const char* defaultChar,
                                  int* usedDefault)
 {
     std::string_view raw;
@@ -175,21 +175,21 @@ int TextFileReader::ReadWideLine(CString& line, unsigned int codePage, const cha
     const std::size_t count = raw.size() / sizeof(WCHAR);
     if (AsciiText::IsKeptBy(codePage))
         if (const char* const narrow = Narrowed<ByteOrder>(raw); narrow != nullptr)
-            return Deliver(CString(std::string_view(narrow, count)), line, usedDefault);
+            return Deliver({narrow, count}, text, usedDefault);
     m_wide.resize(count);
     for (std::size_t i = 0; i < count; ++i)
         m_wide[i] = UnitOf<ByteOrder>(raw.data() + i * sizeof(WCHAR));
-    return Convert(m_wide, line, codePage, defaultChar, usedDefault);
+    return Convert(m_wide, text, codePage, defaultChar, usedDefault);
 }
 
-int UTF16LE_TextFileReader::ReadLine(CString& line, unsigned int codePage, const char* defaultChar,
+int UTF16LE_TextFileReader::ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
                                      int* usedDefault)
 {
-    return ReadWideLine<std::endian::little>(line, codePage, defaultChar, usedDefault);
+    return ReadWideText<std::endian::little>(text, codePage, defaultChar, usedDefault);
 }
 
-int UTF16BE_TextFileReader::ReadLine(CString& line, unsigned int codePage, const char* defaultChar,
+int UTF16BE_TextFileReader::ReadText(std::string_view& text, unsigned int codePage, const char* defaultChar,
                                      int* usedDefault)
 {
-    return ReadWideLine<std::endian::big>(line, codePage, defaultChar, usedDefault);
+    return ReadWideText<std::endian::big>(text, codePage, defaultChar, usedDefault);
 }

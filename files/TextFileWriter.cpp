@@ -53,10 +53,14 @@ int TextFileWriter::PutPastBuffer(std::string_view bytes)
 
 // ---- bytes ----------------------------------------------------------------------------------------------
 
+static std::size_t Size(int length)
+{
+    return static_cast<std::size_t>(length);
+}
+
 static std::string_view Run(const char* text, int length)
 {
-    return text == nullptr || length <= 0 ? std::string_view()
-                                          : std::string_view(text, static_cast<std::size_t>(length));
+    return text == nullptr || length <= 0 ? std::string_view() : std::string_view(text, Size(length));
 }
 
 std::string_view ANSI_TextFileWriter::Mark() const
@@ -67,6 +71,20 @@ std::string_view ANSI_TextFileWriter::Mark() const
 int ANSI_TextFileWriter::WriteText(const char* text, int length, unsigned int)
 {
     return Put(Run(text, length));
+}
+
+int ANSI_TextFileWriter::WriteLine(const CString& line, unsigned int codePage)
+{
+    const std::size_t size = Size(line.GetLength());
+    char* const to = PlaceLine(line.IsInline() ? CString::MaxInline : size);
+    if (to == nullptr)
+        return TextFileWriter::WriteLine(line, codePage);
+    if (line.IsInline())
+        std::memcpy(to, line.GetString(), CString::MaxInline); // all of it: no call for a few bytes
+    else
+        std::memcpy(to, line.GetString(), size);
+    TookLine(size);
+    return Written;
 }
 
 std::string_view UTF8_TextFileWriter::Mark() const

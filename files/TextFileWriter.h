@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "CString.h"
 #include "platform/Platform.h"
 
 // Writes to the open file from where it stands. The handle stays the caller's. After a WriteError nothing
@@ -39,6 +40,11 @@ public:
         m_used += m_lineEndSize;
         return Written;
     }
+    virtual int WriteLine(const CString& line, unsigned int codePage) // WriteText and EndLine
+    {
+        const int result = WriteText(line, line.GetLength(), codePage);
+        return result == Written ? EndLine() : result;
+    }
     int Flush();
 
 protected:
@@ -58,6 +64,13 @@ protected:
         return isRoom ? m_buffer.get() + m_used : nullptr;
     }
     void Took(std::size_t size) { m_used += size; }
+    // The same for a whole line: where it can be put, its end behind it, and the size of the line alone.
+    char* PlaceLine(std::size_t size) { return Place(size + sizeof m_lineEnd); }
+    void TookLine(std::size_t size)
+    {
+        std::memcpy(m_buffer.get() + m_used + size, m_lineEnd, sizeof m_lineEnd);
+        m_used += size + m_lineEndSize;
+    }
     // The whole of WriteText for 16-bit units.
     int WriteWide(std::endian byteOrder, std::string_view text, unsigned int codePage);
 
@@ -81,6 +94,7 @@ class ANSI_TextFileWriter : public TextFileWriter {
 public:
     explicit ANSI_TextFileWriter(HANDLE file) : TextFileWriter(file, "\r\n") {}
     int WriteText(const char* text, int length, unsigned int codePage) override;
+    int WriteLine(const CString& line, unsigned int codePage) override;
 
 protected:
     std::string_view Mark() const override;

@@ -41,6 +41,7 @@ public:
     void Add(const CString& s) { m_strings.push_back(s); }
     void Add(CString&& s) { m_strings.push_back(std::move(s)); }
     void Add(const char* s) { m_strings.emplace_back(s); }
+    void Add(const char* s, int length) { m_strings.emplace_back(s, length); } // counted: NULs and all
     void Add(char c) { m_strings.emplace_back(c); }
     void Add(const TextArray& list) { CopyFromVector(list.m_strings); } // appends all
     void CopyFromVector(const std::vector<CString>& list);              // appends all

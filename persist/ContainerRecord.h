@@ -15,6 +15,7 @@
 #include "DateTime.h"
 #include "SerializeData.h"
 #include "TextArray.h"
+#include "framework/LargeMemory.h"
 
 namespace ContainerRecord {
 
@@ -47,7 +48,7 @@ void ReserveLikely(const CArchive& archive, std::vector<Element>& list, std::siz
         const uint64 likely = Few + archive.GetBytesAhead() / sizeof(Element) * MemoryPerByte;
         count = static_cast<std::size_t>(std::min<uint64>({count, likely, list.max_size()}));
     }
-    list.reserve(count);
+    LargeMemory::Reserve(list, count);
 }
 
 // ---- values ---------------------------------------------------------------------------------------------

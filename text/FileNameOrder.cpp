@@ -14,6 +14,7 @@
 #include "TextArray.h"
 #include "framework/PathParts.h"
 #include "framework/RuntimeText.h"
+#include "text/PackedText.h"
 
 namespace {
 
@@ -137,19 +138,12 @@ bool TablesAreAsAtLoad()
     return true;
 }
 
-unsigned char* WriteBigEndian(unsigned char* out, std::uint64_t value)
-{
-    for (int shift = 56; shift >= 0; shift -= 8)
-        *out++ = static_cast<unsigned char>(value >> shift);
-    return out;
-}
-
 // The code for the count of bytes, then the bytes; up to seven.
 unsigned char* WriteScaled(unsigned char* out, unsigned char numbers, std::uint64_t hundredths)
 {
     const int bytes = static_cast<int>(std::bit_width(hundredths) + 7) / 8;
     *out++ = static_cast<unsigned char>(numbers + bytes);
-    WriteBigEndian(out, bytes == 0 ? 0 : hundredths << (64 - 8 * bytes));
+    PackedText::StoreEight(bytes == 0 ? 0 : hundredths << (64 - 8 * bytes), out);
     return out + bytes;
 }
 
@@ -316,7 +310,8 @@ FileNameKeys::Place FileNameKeys::WriteWide(Place place, const char* end, const 
         place.out = WriteScaled(place.out, m_numbers, static_cast<std::uint64_t>(value) * 100);
     } else {
         *place.out++ = static_cast<unsigned char>(m_numbers + WideNumber);
-        place.out = WriteBigEndian(place.out, std::bit_cast<std::uint64_t>(value));
+        PackedText::StoreEight(std::bit_cast<std::uint64_t>(value), place.out);
+        place.out += sizeof value;
     }
     return WriteLength(place, end, length);
 }

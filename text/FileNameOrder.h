@@ -8,7 +8,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -75,10 +74,10 @@ public:
 
     explicit FileNameKeys(bool caseSensitive);
 
-    // The most bytes that `Write` touches.
-    static std::size_t MaxSize(const FileNameOrder::Pieces& name)
+    // The most bytes that `Write` touches for a name of this path.
+    static std::size_t MaxSize(const CString& path)
     {
-        return 3 * name.base.size() + std::char_traits<char>::length(name.extension) + 16;
+        return 3 * static_cast<std::size_t>(path.GetLength()) + 16;
     }
     // Two whole keys compare (the shorter one first) as the rule does. So do any two keys that differ before
     // either one ends.

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <utility>
 
+#include "framework/LargeMemory.h"
 #include "text/Prefetch.h"
 
 namespace {
@@ -17,7 +19,7 @@ KeySort::KeySort(const std::vector<std::string_view>& keys, const PackedText::Ca
                  bool ascending)
     : m_keys(keys), m_folding(folding), m_flip(ascending ? 0 : ~std::uint64_t{0})
 {
-    m_entries.reserve(keys.size());
+    LargeMemory::Reserve(m_entries, keys.size());
     for (std::size_t i = 0; i < keys.size(); ++i)
         m_entries.push_back({BlockAt(i, 0), i});
 }
@@ -65,56 +67,72 @@ std::vector<KeySort::Entry> KeySort::Sort()
         return std::move(m_entries);
     }
     m_spare = std::make_unique_for_overwrite<Entry[]>(m_entries.size());
+    LargeMemory::WillBeFilled(m_spare.get(), m_entries.size() * sizeof(Entry));
     std::vector<Group> groups = {{0, m_entries.size(), 0}};
     while (!groups.empty()) {
         const Group group = groups.back();
         groups.pop_back();
         if (group.depth > 0)
             LoadBlocks(group);
-        SortBlocks(group.first, group.last, 56);
+        SortBlocks(group.first, group.last);
         FindGroups(group, groups);
     }
     return std::move(m_entries);
 }
 
+// From the last to the first, as groups are taken: what is told of in time may belong to the next ones.
 void KeySort::LoadBlocks(const Group& group)
 {
-    constexpr std::size_t Ahead = 8; // in time, first the key and then its bytes
-    const std::size_t last = group.last - 1;
-    for (std::size_t i = group.first; i < group.last; ++i) {
-        Prefetch(&m_keys[m_entries[std::min(i + 2 * Ahead, last)].index]);
-        Prefetch(m_keys[m_entries[std::min(i + Ahead, last)].index].data() + group.depth);
+    constexpr std::size_t Ahead = 8; // first the key and then its bytes
+    for (std::size_t i = group.last; i-- > group.first;) {
+        Prefetch(&m_keys[m_entries[i - std::min(i, 2 * Ahead)].index]);
+        Prefetch(m_keys[m_entries[i - std::min(i, Ahead)].index].data() + group.depth);
         m_entries[i].block = BlockAt(m_entries[i].index, group.depth);
     }
 }
 
-// By the byte at `shift` and those below it: counted into place, then each byte's entries for themselves.
-void KeySort::SortBlocks(std::size_t first, std::size_t last, int shift)
+// Each to the place behind those that are less: without a jump, for which way it goes nobody can foresee.
+void KeySort::SortFew(std::size_t first, std::size_t last)
 {
-    if (last - first <= MaxCompared) {
-        const auto isBefore = [](const Entry& a, const Entry& b) { return a.block < b.block; };
-        std::sort(m_entries.data() + first, m_entries.data() + last, isBefore);
-        return;
+    const Entry* const entries = m_entries.data();
+    for (std::size_t i = first; i < last; ++i) {
+        std::size_t place = first;
+        for (std::size_t j = first; j < i; ++j)
+            place += entries[j].block <= entries[i].block ? 1 : 0;
+        for (std::size_t j = i + 1; j < last; ++j)
+            place += entries[j].block < entries[i].block ? 1 : 0;
+        m_spare[place] = entries[i];
     }
+    std::copy(m_spare.get() + first, m_spare.get() + last, m_entries.data() + first);
+}
+
+// By the eight highest bits that are not the same in all: counted into place, then each value's entries for
+// themselves.
+void KeySort::SortBlocks(std::size_t first, std::size_t last)
+{
+    if (last - first <= MaxCompared)
+        return SortFew(first, last);
+    std::uint64_t different = 0;
+    for (std::size_t i = first; i < last; ++i)
+        different |= m_entries[i].block ^ m_entries[first].block;
+    if (different == 0)
+        return;
+    const int shift = std::max(static_cast<int>(std::bit_width(different)), 8) - 8;
     std::array<std::size_t, 256> ends{};
     const auto place = [&](std::size_t i) -> std::size_t& {
         return ends[m_entries[i].block >> shift & 0xFF];
     };
     for (std::size_t i = first; i < last; ++i)
         ++place(i);
-    if (place(first) < last - first) {
-        std::size_t next = first;
-        for (std::size_t& end : ends)
-            next += std::exchange(end, next);
-        for (std::size_t i = first; i < last; ++i)
-            m_spare[place(i)++] = m_entries[i];
-        std::copy(m_spare.get() + first, m_spare.get() + last, m_entries.data() + first);
-    } else {
-        ends.fill(last);
-    }
+    std::size_t next = first;
+    for (std::size_t& end : ends)
+        next += std::exchange(end, next);
+    for (std::size_t i = first; i < last; ++i)
+        m_spare[place(i)++] = m_entries[i];
+    std::copy(m_spare.get() + first, m_spare.get() + last, m_entries.data() + first);
     for (std::size_t begin = first; shift > 0 && begin < last;) {
         const std::size_t end = place(begin);
-        SortBlocks(begin, end, shift - 8);
+        SortBlocks(begin, end);
         begin = end;
     }
 }
@@ -122,13 +140,15 @@ void KeySort::SortBlocks(std::size_t first, std::size_t last, int shift)
 // Adds the runs of equal blocks whose keys go on.
 void KeySort::FindGroups(const Group& sorted, std::vector<Group>& groups) const
 {
+    const std::size_t depth = sorted.depth + BlockSize;
+    const auto goesOn = [&](const Entry& entry) { return m_keys[entry.index].size() > depth; };
     for (std::size_t first = sorted.first; first < sorted.last;) {
-        bool goesOn = false;
-        std::size_t last = first;
-        for (; last < sorted.last && m_entries[last].block == m_entries[first].block; ++last)
-            goesOn = goesOn || m_keys[m_entries[last].index].size() > sorted.depth + BlockSize;
-        if (goesOn && last - first > 1)
-            groups.push_back({first, last, sorted.depth + BlockSize});
+        std::size_t last = first + 1;
+        while (last < sorted.last && m_entries[last].block == m_entries[first].block)
+            ++last;
+        const Entry* const run = m_entries.data();
+        if (last - first > 1 && std::any_of(run + first, run + last, goesOn))
+            groups.push_back({first, last, depth});
         first = last;
     }
 }

@@ -34,7 +34,8 @@ private:
     std::uint64_t BlockAt(std::size_t index, std::size_t depth) const;
     void LoadBlocks(const Group& group);
     int CompareNeighbours(std::size_t index) const;
-    void SortBlocks(std::size_t first, std::size_t last, int shift);
+    void SortFew(std::size_t first, std::size_t last);
+    void SortBlocks(std::size_t first, std::size_t last);
     void FindGroups(const Group& sorted, std::vector<Group>& groups) const;
 
     const std::vector<std::string_view>& m_keys;

@@ -19,6 +19,13 @@ inline std::uint64_t LoadEight(const char* text)
     return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
 }
 
+inline void StoreEight(std::uint64_t word, unsigned char* to)
+{
+    if constexpr (std::endian::native == std::endian::little)
+        word = __builtin_bswap64(word);
+    std::memcpy(to, &word, sizeof word);
+}
+
 // Up to eight bytes from `at` on, the first one highest; zeros stand for those behind the end.
 inline std::uint64_t Load(std::string_view text, std::size_t at)
 {

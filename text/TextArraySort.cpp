@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "LocaleUtils.h"
+#include "framework/LargeMemory.h"
 #include "text/BoundedSort.h"
 #include "text/FileNameOrder.h"
 #include "text/HashIndex.h"
@@ -148,9 +149,10 @@ struct NameKeys {
     std::vector<std::string_view> keys;
     bool areWhole = true;
 
-    void Add(const FileNameKeys& writer, const FileNameOrder::Pieces& name, std::size_t bytesInFront)
+    void Add(const FileNameKeys& writer, const CString& path, const FileNameOrder::Pieces& name,
+             std::size_t bytesInFront)
     {
-        unsigned char* const out = memory.Room(bytesInFront + FileNameKeys::MaxSize(name));
+        unsigned char* const out = memory.Room(bytesInFront + FileNameKeys::MaxSize(path));
         const FileNameKeys::Key key = writer.Write(name, out + bytesInFront);
         keys.push_back(memory.Keep(key.end));
         areWhole = areWhole && key.isWhole;
@@ -160,10 +162,10 @@ struct NameKeys {
 NameKeys MakeFileKeys(const std::vector<CString>& names, bool caseSensitive)
 {
     NameKeys made;
-    made.keys.reserve(names.size());
+    LargeMemory::Reserve(made.keys, names.size());
     const FileNameKeys writer(caseSensitive);
     for (const CString& name : names)
-        made.Add(writer, FileNameOrder::Split(name), 0);
+        made.Add(writer, name, FileNameOrder::Split(name), 0);
     return made;
 }
 
@@ -172,7 +174,7 @@ NameKeys MakePathKeys(const std::vector<CString>& paths, bool caseSensitive)
 {
     const auto placeBytes = static_cast<std::size_t>(std::bit_width(paths.size()) + 7) / 8;
     NameKeys made;
-    made.keys.reserve(paths.size());
+    LargeMemory::Reserve(made.keys, paths.size());
     const FileNameKeys writer(caseSensitive);
     Folders folders;
     std::vector<std::size_t> numbers;
@@ -180,7 +182,7 @@ NameKeys MakePathKeys(const std::vector<CString>& paths, bool caseSensitive)
     for (const CString& path : paths) {
         const FileNameOrder::Pieces pieces = FileNameOrder::Split(path);
         numbers.push_back(folders.NumberOf(ComparedFolder(pieces.folder)));
-        made.Add(writer, pieces, placeBytes);
+        made.Add(writer, path, pieces, placeBytes);
     }
     const std::vector<std::size_t> places = folders.Places(caseSensitive);
     for (std::size_t i = 0; i < paths.size(); ++i) {
@@ -208,7 +210,7 @@ void PlaceInOrder(std::vector<CString>& strings, const Order& order)
     if (mirrored == order.size())
         return std::reverse(strings.begin(), strings.end());
     std::vector<CString> placed;
-    placed.reserve(strings.size());
+    LargeMemory::Reserve(placed, strings.size());
     constexpr std::size_t Ahead = 16; // the strings lie anywhere: the processor is told of them in time
     for (std::size_t i = 0; i < order.size(); ++i) {
         Prefetch(&strings[order[std::min(i + Ahead, order.size() - 1)].index]);
@@ -220,7 +222,7 @@ void PlaceInOrder(std::vector<CString>& strings, const Order& order)
 Order OrderOfTexts(const std::vector<CString>& texts, bool ascending, bool caseSensitive)
 {
     std::vector<std::string_view> keys;
-    keys.reserve(texts.size());
+    LargeMemory::Reserve(keys, texts.size());
     for (const CString& text : texts)
         keys.emplace_back(text.GetString()); // up to the first NUL
     const auto folding =
