@@ -116,7 +116,7 @@ TEST_F(FileOrder, AgreesWithTheModel)
 // From the user's settings at the first of these operations, and never again.
 TEST_F(FileOrder, SeparatorIsFilledAtTheFirstUse)
 {
-    m_user.Set("LC_ALL", "de_DE.UTF-8");
+    UserSettings::Use("sDecimal", ",");
     const std::function<void()> uses[] = {[] { TextArray::DoCompareFiles("a", "b"); },
                                           [] { ListOf("a;b").Sort(); }, [] { ListOf("a").AddSorted("b"); }};
     for (const auto& use : uses)

@@ -109,7 +109,7 @@ TEST_F(StdioFileTest, ReadsAndWritesByTheRuleAtAllSizes)
 TEST_F(StdioFileTest, WritingGoesOnBehindTheLineThatWasRead)
 {
     folder.Write("file", "one\r\ntwo\r\nthree\r\n");
-    CStdioFile file(Path().c_str(), CFile::modeReadWrite);
+    CStdioFile file(Path().c_str(), CFile::modeReadWrite | CFile::shareDenyNone);
     CString line;
     EXPECT_TRUE(file.ReadString(line));
     file.WriteString("T\nO"); // over what the reader would get next
