@@ -8,7 +8,10 @@ unset DISPLAY
 mkdir -p "$WINEPREFIX"
 exec {lock}>"$WINEPREFIX/lock"
 flock "$lock"
-[ -e "$WINEPREFIX/system.reg" ] || wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1
+if [ ! -e "$WINEPREFIX/system.reg" ]; then
+    wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1
+    wineserver --wait
+fi
 exec {lock}>&-
 
 compiler=x86_64-w64-mingw32-g++-posix

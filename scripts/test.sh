@@ -23,4 +23,8 @@ grep -v '^#' tests/windows-exceptions.txt
 mkdir -p build/all
 printf 'subdirs("%s")\n' "${presets[@]/#/$here/build/}" >build/all/CTestTestfile.cmake
 trap 'wineserver --kill || true' EXIT
+# One program stays for the whole run, so that Wine does not end and start anew among the tests, and is there before
+# them: it can hang for minutes when several programs start it together.
+coproc cmake/wine.sh cmd.exe
+read -r -u "${COPROC[0]}"
 ctest --test-dir build/all --parallel "$(nproc)" --output-on-failure
