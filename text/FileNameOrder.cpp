@@ -258,10 +258,10 @@ FileNameKeys::Key FileNameKeys::Write(const FileNameOrder::Pieces& name, unsigne
         out = behind.out;
     }
     *out++ = 0;
-    const char* c = name.extension;
-    do
+    for (const char* c = name.extension; *c != '\0'; ++c)
         *out++ = m_extensions[static_cast<unsigned char>(*c)];
-    while (*c++ != '\0');
+    if (m_extensions[0] != 0)
+        *out++ = m_extensions[0]; // what stands for the NUL, where that is not the lowest byte
     return {out, true};
 }
 
