@@ -1,7 +1,5 @@
 # The library's platform where it has one of its own: platform/posix and a module that knows ICU.
 
-# Nothing runs at load: without this option g++ registers even empty destructors there.
-target_compile_options(kvt01_objects PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-use-cxa-atexit>)
 # Calls from one of the library's operations to another are its own affair: nobody may replace the callee.
 target_compile_options(kvt01_objects PRIVATE -fno-semantic-interposition)
 # Code and constants in one piece are mapped at once, which takes a tenth off the time to load.

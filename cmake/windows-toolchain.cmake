@@ -9,7 +9,7 @@ set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH) # so that CMAKE_PREFIX_PATH counts
 # The system aligns the stack to 16 bytes and the compiler does not align it further: the 32 and 64 bytes of wide
 # vectors must not be counted on.
 set(CMAKE_CXX_FLAGS_INIT -Wa,-muse-unaligned-vector-move)

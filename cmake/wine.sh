@@ -3,11 +3,15 @@
 # WINEPREFIX names or in one of this build's own. It finds the cross-compiler's own libraries.
 set -euo pipefail
 export WINEPREFIX=${WINEPREFIX:-$(cd "$(dirname "$0")/.." && pwd)/build/windows/wine} WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
+export TZ=EST5 # the system's time zone and the runtime's are then the same
 unset DISPLAY
 mkdir -p "$WINEPREFIX"
 exec {lock}>"$WINEPREFIX/lock"
 flock "$lock"
-[ -e "$WINEPREFIX/system.reg" ] || wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1
+if [ ! -e "$WINEPREFIX/system.reg" ]; then
+    wineboot --init </dev/null >"$WINEPREFIX/wineboot.log" 2>&1
+    wineserver --wait
+fi
 exec {lock}>&-
 
 compiler=x86_64-w64-mingw32-g++-posix

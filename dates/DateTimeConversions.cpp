@@ -4,6 +4,7 @@
 
 #include "dates/WrappingArithmetic.h"
 #include "framework/FailureMarkers.h"
+#include "framework/OleDate.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -45,7 +46,7 @@ void DateTime::Set(const COleDateTime& date) noexcept
     SYSTEMTIME parts;
     if (date.m_status != COleDateTime::valid)
         SetInvalid();
-    else if (VariantTimeToSystemTime(date.m_dt, &parts))
+    else if (GetPartsOfOleDate(date.m_dt, parts))
         Set(parts.wYear, parts.wMonth, parts.wDay, parts.wHour, parts.wMinute, parts.wSecond);
     else
         Set(NoPart, NoPart, NoPart, NoPart, NoPart, NoPart);

@@ -1,6 +1,6 @@
 #include "COleDateTime.h"
 
-#include "platform/Platform.h"
+#include "framework/OleDate.h"
 
 namespace {
 
@@ -29,7 +29,7 @@ bool IsTime(int hour, int minute, int second)
 int PartOf(const COleDateTime& date, WORD SYSTEMTIME::*part)
 {
     SYSTEMTIME parts;
-    if (date.m_status != COleDateTime::valid || VariantTimeToSystemTime(date.m_dt, &parts) == FALSE)
+    if (date.m_status != COleDateTime::valid || !GetPartsOfOleDate(date.m_dt, parts))
         return -1;
     return parts.*part;
 }
@@ -39,7 +39,7 @@ int PartOf(const COleDateTime& date, WORD SYSTEMTIME::*part)
 COleDateTime::COleDateTime(double date) noexcept : m_dt(date)
 {
     SYSTEMTIME parts;
-    if (VariantTimeToSystemTime(date, &parts) == FALSE)
+    if (!GetPartsOfOleDate(date, parts))
         m_status = invalid;
 }
 

@@ -13,10 +13,10 @@ public:
 #ifdef __GLIBC__
     explicit CaseTable(const std::int32_t* table) : m_table(table) {}
 #else
-    explicit CaseTable(int (*convert)(int))
+    explicit CaseTable(int (*convert)(int), int flip = 0) // the bits in `flip` are turned over
     {
         for (int c = 0; c < 256; ++c)
-            m_table[static_cast<std::size_t>(c)] = convert(c);
+            m_table[static_cast<std::size_t>(c)] = convert(c) ^ flip;
     }
 #endif
     char operator()(char c) const
@@ -62,5 +62,19 @@ inline bool IsSpace(char c)
 
 // strcasecmp, under whatever name the runtime has it; ends at the first NUL.
 int CompareNoCase(const char* a, const char* b) noexcept;
+
+// What CompareNoCase compares, as unsigned bytes: the lower case where the runtime does so too. Where it
+// takes bytes of 128 and more for negative numbers, they come first, and even in front of the NUL at the end.
+#ifdef __GLIBC__
+inline CaseTable CaseOrder()
+{
+    return Lowercase();
+}
+#else
+inline CaseTable CaseOrder()
+{
+    return CaseTable(std::tolower, CompareNoCase("\x80", "") < 0 ? 0x80 : 0);
+}
+#endif
 
 } // namespace RuntimeText

@@ -19,6 +19,10 @@ struct CFileStatus {
     bool m_folder = false;
 };
 
+// Headers of the operating system may have made a macro of this name; below it is the plain name.
+#pragma push_macro("GetFileTitle")
+#undef GetFileTitle
+
 class KVT01_API CFile {
 public:
     // One mode, at most one share, and any of the others.
@@ -78,6 +82,17 @@ public:
     static void Rename(const char* oldName, const char* newName);     // fails when the new name is taken
     static bool GetStatus(const char* fileName, CFileStatus& status); // false, and nothing set, without one
 
+#ifdef _WIN32 // what such a macro makes of a caller's GetFileTitle: the same operation
+    CString GetFileTitleA() const
+    {
+        return GetFileTitle();
+    }
+    CString GetFileTitleW() const
+    {
+        return GetFileTitle();
+    }
+#endif
+
 protected:
     [[noreturn]] void ThrowLastError() const; // the platform's last error, as a CFileException of this file
     void RequireOpen() const;                 // throws invalidFile
@@ -85,3 +100,5 @@ protected:
     void* m_hFile = nullptr; // the platform's handle; nullptr while closed
     CString m_strFileName;
 };
+
+#pragma pop_macro("GetFileTitle")

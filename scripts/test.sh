@@ -1,27 +1,30 @@
 #!/usr/bin/env bash
-# Builds the library twice, plainly and with the sanitizers, and runs every test of both through CTest. With --windows:
-# builds it for its original platform and runs the tests under Wine, in a fresh Wine folder.
+# Builds the library plainly, with the sanitizers, and for its original platform, and runs every test of the three
+# through CTest, those of the last under Wine in a fresh Wine folder. With --windows: the last alone.
 set -euo pipefail
 here=$(cd "$(dirname "$0")/.." && pwd)
 source "$here/scripts/lib/packages.sh"
-need_packages "${build_packages[@]}" "${test_packages[@]}"
+need_packages "${build_packages[@]}" "${test_packages[@]}" "${windows_packages[@]}"
 
 cd "$here"
-if [ "${1-}" = --windows ]; then
-    need_packages "${windows_packages[@]}"
-    rm -rf build/windows/wine
-    cmake --preset windows -DKVT01_TESTS=ON
-    cmake --build --preset windows
-    echo "Left out:" && grep '^[A-Z]' tests/windows-exceptions.txt
-    exec ctest --preset windows --parallel "$(nproc)"
-fi
-
-for preset in release sanitize; do
+presets=(release sanitize windows)
+[ "${1-}" != --windows ] || presets=(windows)
+export WINEPREFIX=$here/build/windows/wine
+rm -rf "$WINEPREFIX"
+for preset in "${presets[@]}"; do
     cmake --preset "$preset" -DKVT01_TESTS=ON
     cmake --build --preset "$preset"
 done
 
-# One run over both build folders, so that one count stands at the end.
+echo "Left out on the original platform:"
+grep -v '^#' tests/windows-exceptions.txt
+
+# One run over all build folders, so that one count stands at the end, and by label that of each platform.
 mkdir -p build/all
-printf 'subdirs("%s" "%s")\n' "$here/build/release" "$here/build/sanitize" >build/all/CTestTestfile.cmake
-exec ctest --test-dir build/all --parallel "$(nproc)" --output-on-failure
+printf 'subdirs("%s")\n' "${presets[@]/#/$here/build/}" >build/all/CTestTestfile.cmake
+trap 'wineserver --kill || true' EXIT
+# One program stays for the whole run, so that Wine does not end and start anew among the tests, and is there before
+# them: it can hang for minutes when several programs start it together.
+coproc cmake/wine.sh cmd.exe
+read -r -u "${COPROC[0]}"
+ctest --test-dir build/all --parallel "$(nproc)" --output-on-failure

@@ -259,16 +259,17 @@ TEST(DateTimeSpans, ConvertBothWays)
             DateTime::ConvertDeltaToSeconds(a, b, seconds = -1);
             EXPECT_EQ(seconds, 0);
         }
-    for (const auto& [days, hours, minutes, rest, sum] : NumberCases<long, 5>("sum of seconds")) {
-        DateTime::ConvertToSeconds(days, static_cast<int>(hours), static_cast<int>(minutes),
-                                   static_cast<int>(rest), seconds);
+    for (const auto& [days, hours, minutes, rest, sum] : NumberCases<int64, 5>("sum of seconds")) {
+        DateTime::ConvertToSeconds(static_cast<long>(days), static_cast<int>(hours),
+                                   static_cast<int>(minutes), static_cast<int>(rest), seconds);
         EXPECT_EQ(seconds, sum);
     }
-    for (const auto& row : NumberCases<long, 5>("span")) {
+    for (auto row : NumberCases<int64, 5>("span")) {
+        row[1] = static_cast<long>(row[1]);
         long days = -1;
         int hour = -1, minute = -1, second = -1;
         DateTime::ConvertFromSeconds(row[0], days, hour, minute, second);
-        EXPECT_EQ((std::array<long, 5>{row[0], days, hour, minute, second}), row);
+        EXPECT_EQ((std::array<int64, 5>{row[0], days, hour, minute, second}), row);
     }
 }
 

@@ -217,10 +217,10 @@ FileNameKeys::FileNameKeys(bool caseSensitive)
     const Codes& codes = caseSensitive ? CodesWithCase : CodesNoCase;
     m_codes = codes.table.data();
     m_numbers = codes.numbers;
-    const auto lowercase = RuntimeText::Lowercase();
+    const auto order = RuntimeText::CaseOrder();
     for (int c = 0; c < 256; ++c) {
         const char byte = static_cast<char>(c);
-        m_extensions[c] = static_cast<unsigned char>(caseSensitive ? byte : lowercase(byte));
+        m_extensions[c] = static_cast<unsigned char>(caseSensitive ? byte : order(byte));
     }
     ReadNumber("0", 0, CString()); // reads the separators that follow, unless they have been read
     const char point = LocaleUtils::m_csDecimalSeparator[0];
@@ -254,6 +254,8 @@ FileNameKeys::Key FileNameKeys::Write(const FileNameOrder::Pieces& name, unsigne
     *out++ = 0;
     for (const char* c = name.extension; *c != '\0'; ++c)
         *out++ = m_extensions[static_cast<unsigned char>(*c)];
+    if (m_extensions[0] != 0)
+        *out++ = m_extensions[0]; // what stands for the NUL, where that is not the lowest byte
     return {out, true};
 }
 

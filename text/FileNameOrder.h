@@ -61,7 +61,7 @@ private:
 //               Numbers + 8 and the bits of the double, for integers of 2^48 and more
 //   then, unless the number is an integer of up to 14 digits without leading zeros,
 //               Numbers and its length, or 255 - length when a character above the digits follows
-//   end         0 and the extension
+//   end         0 and the extension, as it is compared
 //
 // The length stands there because numbers of one value and different length are told apart by the character
 // that follows the shorter one: against a digit it is either below or above.

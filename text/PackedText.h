@@ -73,18 +73,18 @@ inline std::uint64_t FoldAscii(std::uint64_t word)
     return word | ((isFromA & ~isAboveZ & ~word & InEachByte(0x80)) >> 2);
 }
 
-// Makes texts that are the same but for case the same: lower case by the runtime's current locale.
+// Makes texts that are the same but for case the same, in the order of the runtime's current locale.
 class CaseFolding {
 public:
     static CaseFolding Exact() { return CaseFolding(Mode::Exact); }
     static CaseFolding Runtime()
     {
-        const auto lowercase = RuntimeText::Lowercase();
+        const auto order = RuntimeText::CaseOrder();
         CaseFolding folding(Mode::Ascii);
         if (RuntimeText::FoldsAsciiOnly())
             return folding;
         for (std::size_t c = 0; c < 256; ++c) {
-            folding.m_table[c] = static_cast<unsigned char>(lowercase(static_cast<char>(c)));
+            folding.m_table[c] = static_cast<unsigned char>(order(static_cast<char>(c)));
             if (folding.m_table[c] != (c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c))
                 folding.m_mode = Mode::Table;
         }

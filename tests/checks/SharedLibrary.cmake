@@ -1,16 +1,41 @@
-# What the shared library shows and does at load: it exports its classes and nothing of the platform layer, and
-# runs no code of its own when it is mapped. -DLIBRARY= the file
-execute_process(COMMAND nm --dynamic --defined-only --demangle ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
-if(NOT symbols MATCHES "StringUtils::MatchSpec")
+# What the shared library shows and does at load: it exports the classes of its headers and nothing else, and runs no
+# code of its own when it is mapped.
+# -DLIBRARY= the file, -DLINKED= what a host links (the same, or the import library), -DINCLUDE= the headers, -DNM=
+cmake_minimum_required(VERSION 3.25)
+
+function(read_symbols variable)
+  execute_process(COMMAND ${NM} ${ARGN} OUTPUT_VARIABLE symbols ERROR_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  set(${variable} "${symbols}" PARENT_SCOPE)
+endfunction()
+
+file(GLOB headers RELATIVE ${INCLUDE} ${INCLUDE}/*.h)
+list(TRANSFORM headers REPLACE "\\.h$" "")
+list(JOIN headers "|" classes)
+if(LIBRARY MATCHES "\\.dll$")
+  read_symbols(symbols --defined-only ${LINKED})
+  string(REGEX MATCHALL "__imp_[^\n]+" exported "${symbols}")
+  list(TRANSFORM exported REPLACE "^__imp_" "")
+else()
+  read_symbols(symbols --dynamic --defined-only --format=just-symbols ${LIBRARY})
+  string(REGEX MATCHALL "[^\n]+" exported "${symbols}")
+endif()
+if(NOT "_ZN11StringUtils9MatchSpecERK7CStringS2_b" IN_LIST exported)
   message(FATAL_ERROR "MatchSpec is not exported")
 endif()
-string(REGEX MATCHALL "[^\n]*(CreateFileA|GetLastError|PathParts|TextSearch|FailureMarkers)[^\n]*" leaked "${symbols}")
-if(leaked)
-  message(FATAL_ERROR "exported though internal:\n${leaked}")
+list(FILTER exported EXCLUDE REGEX "^_Z(T[VIS])?(NK?)?[0-9]+(${classes})|^_ZlsRSoRK7CString$")
+if(exported)
+  message(FATAL_ERROR "exported though internal:\n${exported}")
 endif()
 
-# One entry of 8 bytes belongs to the compiler's own start-up code.
-execute_process(COMMAND readelf --section-headers --wide ${LIBRARY} OUTPUT_VARIABLE sections COMMAND_ERROR_IS_FATAL ANY)
-if(NOT sections MATCHES "\\.init_array +INIT_ARRAY +[0-9a-f]+ [0-9a-f]+ 0*8 ")
-  message(FATAL_ERROR "code runs at load:\n${sections}")
+if(LIBRARY MATCHES "\\.dll$")
+  read_symbols(symbols ${LIBRARY})
+  string(REGEX MATCHALL "_GLOBAL__sub_I_[^\n]+" constructors "${symbols}")
+  if(constructors OR NOT symbols MATCHES "__CTOR_LIST__")
+    message(FATAL_ERROR "code runs at load, or no symbols tell:\n${constructors}")
+  endif()
+else() # one entry of 8 bytes belongs to the compiler's own start-up code
+  execute_process(COMMAND readelf --section-headers --wide ${LIBRARY} OUTPUT_VARIABLE sections COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT sections MATCHES "\\.init_array +INIT_ARRAY +[0-9a-f]+ [0-9a-f]+ 0*8 ")
+    message(FATAL_ERROR "code runs at load:\n${sections}")
+  endif()
 endif()

@@ -11,7 +11,7 @@ namespace {
 
 // Each child has copies of all that the host had open while a launch went on, and stays for as long as the
 // gate is open.
-TEST(LaunchRules, ALaunchDoesNotWaitForWhatAnotherThreadForks)
+TEST(LaunchOnPosix, ALaunchDoesNotWaitForWhatAnotherThreadForks)
 {
     int gate[2];
     ASSERT_EQ(pipe(gate), 0);
