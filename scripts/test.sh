@@ -12,7 +12,7 @@ if [ "${1-}" = --windows ]; then
     rm -rf build/windows/wine
     cmake --preset windows -DKVT01_TESTS=ON
     cmake --build --preset windows
-    echo "Left out:" && grep '^[A-Z]' tests/windows-exceptions.txt
+    echo "Left out:" && grep -v '^#' tests/windows-exceptions.txt
     exec ctest --preset windows --parallel "$(nproc)"
 fi
 

@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <numeric>
 #include <string>
-#include <sys/stat.h>
 
 #include "platform/Platform.h"
 #include "support/Agreement.h"
@@ -26,22 +25,26 @@ public:
         for (const char* name :
              {"a long folder name", "A Long Folder Name", "dir", "full/inside", "Find/Sub"})
             m_folder.MakeFolder(name);
-        for (const char* name : {"plain.txt", "ro.txt", ".hidden.txt", "noext", "attr.txt", "other.txt"})
+        for (const char* name : {"plain.txt", "ro.txt", "hidden.txt", "noext", "attr.txt", "other.txt"})
             m_folder.Write(name, "0123456789");
         for (const char* name :
              {"notes.txt", "Readme.TXT", "noext", "a.b.txt", ".dot", "Zeta.dat", "notes.txtx"})
             m_folder.Write("Find/" + std::string(name), "123456789");
-        chmod(m_folder.Path("ro.txt").c_str(), 0444);
+        SetFileAttributesA(m_folder.Path("ro.txt").c_str(), FILE_ATTRIBUTE_READONLY);
+        const std::string hidden = m_folder.Path("hidden.txt");
+        SetFileAttributesA(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN);
+        if ((GetFileAttributesA(hidden.c_str()) & FILE_ATTRIBUTE_HIDDEN) == 0) // which takes a dot here
+            std::filesystem::rename(hidden, m_folder.Path(m_hidden = ".hidden.txt"));
         SetLastError(0);
     }
-    // Of a recorded path; a hidden file has a name for it here, and the root has no drive.
+    // Of a recorded path.
     std::string Path(std::string path) const
     {
         if (path.starts_with("C:\\pa") || path.starts_with("C:/pa"))
             path.replace(0, 5, Root());
         if (const std::size_t hidden = path.find("hidden.txt"); hidden != std::string::npos)
-            path.insert(hidden, ".");
-        return path == "C:\\" ? "/" : path;
+            path.replace(hidden, 10, m_hidden);
+        return path == "C:\\" ? std::filesystem::current_path().root_path().string() : path;
     }
     // And back.
     std::string Shown(std::string path, const char* root) const
@@ -53,6 +56,7 @@ private:
     std::string Root() const { return m_folder.Path().substr(0, m_folder.Path().size() - 1); }
 
     TemporaryFolder m_folder;
+    std::string m_hidden = "hidden.txt";
 };
 
 // For questions that change nothing.
@@ -240,15 +244,14 @@ std::string AskFindFirst(const Row& row)
 
 TEST(FilesAgreement, WithTheOriginalPlatform)
 {
-    Agreement::Compare("files-answers.tsv",
-                       {{"CreateFileA", AskCreateFile},
-                        {"_access", AskAccess},
-                        {"(GetFileAttributes|DeleteFile|[A-Z][a-z]*Directory|MoveFile|CopyFile)A", AskNamed},
-                        {"SetFileAttributesA", AskSetAttributes},
-                        {"GetTempFileNameA", AskTempName},
-                        {"Get(Long|Short)PathNameA", AskLongOrShort},
-                        {"FindFirstFileA", AskFindFirst}},
-                       "file exceptions");
+    Agreement::CompareFiles(
+        {{"CreateFileA", AskCreateFile},
+         {"_access", AskAccess},
+         {"(GetFileAttributes|DeleteFile|[A-Z][a-z]*Directory|MoveFile|CopyFile)A", AskNamed},
+         {"SetFileAttributesA", AskSetAttributes},
+         {"GetTempFileNameA", AskTempName},
+         {"Get(Long|Short)PathNameA", AskLongOrShort},
+         {"FindFirstFileA", AskFindFirst}});
 }
 
 } // namespace

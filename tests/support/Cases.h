@@ -67,7 +67,7 @@ std::vector<std::array<std::string, Columns>> Cases(const std::string& section)
             std::transform(cells.begin(), cells.end(), cases.emplace_back().begin(), Unescaped);
         }
     }
-    EXPECT_FALSE(cases.empty()) << section;
+    EXPECT_TRUE(!cases.empty() || section.find("exceptions") != std::string::npos) << section;
     return cases;
 }
 
