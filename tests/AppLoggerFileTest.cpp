@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <functional>
 #include <thread>
@@ -16,14 +17,13 @@ class AppLoggerFileTest : public testing::Test {
 protected:
     AppLoggerFileTest() { LogHome::Start(); }
 
-    // Another process adds lines with these numbers behind a prefix, and is killed after so many microseconds
-    // of its life, or of that behind the first line when they are negative; or not, with 0.
-    void Write(const std::string& before, int first, int last, int lifeTime) const
+    // Another process adds lines with these numbers behind a prefix; what it says goes to a file.
+    void Write(const std::string& before, int first, int last) const
     {
         std::string words = "log " + before;
-        for (const int number : {first, last, static_cast<int>(AppLogger::m_nMaxLogEntries), lifeTime})
+        for (const int number : {first, last, static_cast<int>(AppLogger::m_nMaxLogEntries)})
             words += ' ' + std::to_string(number);
-        RunProgram(KVT01_TEST_CHILD, words + " >\"" + folder.Path("added") + '"');
+        RunProgram(KVT01_TEST_CHILD, words + " >\"" + folder.Path("said by " + before) + '"');
     }
 
     LogHome home;
@@ -57,12 +57,21 @@ TEST_F(AppLoggerFileTest, NoLineThatAddLineReturnedFromIsLostWhenTheProcessIsKil
     RandomTexts random;
     AppLogger::DeleteInstance();
     int last = 0;
-    constexpr int kills = 80;
+    constexpr int kills = 40;
     for (int i = 0; i < kills; ++i) {
-        const int lifeTime = 1 + static_cast<int>(random.Below(8000));
-        Write("x", last + 1, INT_MAX, i % 4 == 0 ? 4 * lifeTime : -lifeTime);
-        const auto returned = Words(folder.Read("added"));
-        const int mostReturned = returned.empty() ? last : std::stoi(returned.back());
+        folder.Write("said by x", "");
+        std::thread writer([&] { Write("x", last + 1, INT_MAX); });
+        const auto saysLines = [&](int count) {
+            return folder.Await("said by x", [count](const std::string& text) {
+                return std::count(text.begin(), text.end(), '\n') >= count;
+            });
+        };
+        const int process = std::stoi(saysLines(i % 4 == 0 ? 1 : 2)); // sometimes before the first line
+        std::this_thread::sleep_for(std::chrono::microseconds(random.Below(8000)));
+        KillProcess(process);
+        writer.join();
+        const auto said = Words(folder.Read("said by x"));
+        const int mostReturned = said.size() < 2 ? last : std::stoi(said.back());
         const StoredLines lines = home.Lines();
         last = LastIn(lines, "x");
         ASSERT_TRUE(last == mostReturned || last == mostReturned + 1)
@@ -82,7 +91,9 @@ TEST_F(AppLoggerFileTest, LinesWaitWhileTheFileCannotBeWritten)
          [&] { SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_NORMAL); }},
         {[&] { handle = CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr); },
          [&] { CloseHandle(handle); }},
-        {[&] { std::filesystem::remove(path), std::filesystem::create_directory(path); },
+        {[&] {
+             std::filesystem::rename(path, folder.Path("aside")), std::filesystem::create_directory(path);
+         },
          [&] { std::filesystem::remove(path); }},
     };
     StoredLines expected = {Started};
@@ -122,7 +133,7 @@ TEST_F(AppLoggerFileTest, WhatWasDeletedOrEmptiedComesBack)
     home.Write("");
     AppLogger::ForceWrite();
     EXPECT_EQ(home.Bytes(), before);
-    std::filesystem::remove_all(home.Folder().Path("state/CorvaneSoftware"));
+    DeleteFileA(home.Path().c_str());
     AppLogger::ForceWrite();
     EXPECT_EQ(home.Bytes(), before);
 }
@@ -176,7 +187,7 @@ TEST_F(AppLoggerFileTest, ThreadsAndProcessesKeepEachOthersLines)
         for (char name = 'a'; name < 'i'; ++name)
             threads.emplace_back([name] { AddNumbers(1, 20, std::string(1, name)); });
         for (const char* name : {"x", "y"})
-            threads.emplace_back([this, name] { Write(name, 1, 20, 0); });
+            threads.emplace_back([this, name] { Write(name, 1, 20); });
         for (std::thread& thread : threads)
             thread.join();
         const StoredLines lines = home.Lines();

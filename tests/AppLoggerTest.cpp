@@ -22,7 +22,7 @@ TEST_F(AppLoggerTest, TheSwitchDecidesWhetherThereIsALogger)
     AppLogger::SetAppName("App");
     EXPECT_TRUE(AppLogger::m_bCheckedRegistry);
     AppLogger::AddLine("nobody takes this");
-    EXPECT_EQ(switchOf("App"), "no key");
+    EXPECT_EQ(switchOf("App"), "ERROR 2");
     AppLogger::EnableLogging(true);
     EXPECT_EQ(switchOf("App"), "1");
     AppLogger::GetInstance()->AddLine("kept");

@@ -46,6 +46,8 @@ TEST_F(Inspect, AnswersAsACommandShould)
     folder.Write("file", "");
     for (const auto& [words, code, complaint] : Cases<3>("inspect commands"))
         EXPECT_EQ(Answer(words), Bad(std::stoi(code), "", complaint)) << words;
+    for (const std::string name : {"none", "."}) // and the system's reason
+        EXPECT_TRUE(Answer("log " + name).starts_with("1||kvt01-inspect: " + name + ": ")) << name;
     EXPECT_EQ(Answer("--version"), "0|kvt01-inspect 1.0.0\n|");
     const std::string help = Answer("log --help");
     EXPECT_TRUE(help.starts_with("0|usage: kvt01-inspect log FILE\n") &&

@@ -1,15 +1,14 @@
 // What a test wants done by another process. With the variable KVT01_TEST_SAYS its folder and its arguments
 // go to the file that it names, which appears when it is complete. Else
-//   log PREFIX FIRST LAST MOST LIFE  adds lines to a log of most lines and says each number whose line is
-//   there;
-//                                    is killed so many microseconds after its start, or -LIFE after the first
-//   hold PATH ACCESS SHARE FILE      opens the path and makes the file; is killed when that is gone
-#include <chrono>
+//   log PREFIX FIRST LAST MOST   says its process's number, adds lines to a log of most lines and says the
+//   number of
+//                                each that is there
+//   hold PATH ACCESS SHARE FILE  opens the path and makes the file; ends when that is gone
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
-#include <thread>
+#include <unistd.h>
 #include <vector>
 
 #include "AppLogger.h"
@@ -30,27 +29,15 @@ void Say(const std::string& file, const Words& words)
     std::filesystem::rename(file + ".new", file);
 }
 
-void EndAfter(int microseconds)
-{
-    std::thread([microseconds] {
-        std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
-        EndThisProcess();
-    }).detach();
-}
-
 void AddLines(const Words& words)
 {
-    const int first = std::stoi(words.at(2)), last = std::stoi(words.at(3)), life = std::stoi(words.at(5));
-    if (life > 0)
-        EndAfter(life);
     JoinTestUser();
+    std::cout << getpid() << std::endl;
     AppLogger::SetMaxLogEntries(std::stoull(words.at(4)));
     AppLogger::SetAppName("App");
-    for (int number = first; number <= last; ++number) {
+    for (int number = std::stoi(words.at(2)); number <= std::stoi(words.at(3)); ++number) {
         AppLogger::AddLine(words.at(1) + std::to_string(number));
         std::cout << number << std::endl;
-        if (life < 0 && number == first)
-            EndAfter(-life);
     }
 }
 
@@ -61,7 +48,6 @@ void Hold(const Words& words)
     std::ofstream(words.at(4)) << "held";
     while (std::filesystem::exists(words.at(4)))
         Sleep(1);
-    EndThisProcess();
 }
 
 } // namespace

@@ -50,6 +50,7 @@ protected:
 TEST_F(FilesOnPosix, OperationsTakeLinksThemselves)
 {
     fs::create_hard_link(folder.Path("plain"), folder.Path("second"));
+    EXPECT_EQ(Move("plain", "second"), DWORD{ERROR_ALREADY_EXISTS});
     EXPECT_EQ(Move("plain", "./plain"), DWORD{ERROR_ALREADY_EXISTS}); // it could be a second name
     EXPECT_EQ(Move("other", "dirlink/../other"), 0U);
     EXPECT_EQ(Move("broken", "moved"), 0U);

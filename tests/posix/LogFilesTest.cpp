@@ -46,6 +46,7 @@ TEST_F(LogFilesTest, LinesWaitWhileTheDiskIsFull)
     }
     EXPECT_EQ(home.Bytes(), before);
     EXPECT_EQ(home.Files(), std::set<std::string>{"App.log"});
+    std::filesystem::remove_all(home.Folder().Path("state")); // which is made again
     AppLogger::AddLine("free");
     EXPECT_EQ(home.Lines(), (StoredLines{Started, {"", "a longer line"}, {"", "free"}}));
 }

@@ -12,48 +12,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr LSTATUS Missing = ERROR_FILE_NOT_FOUND, Denied = ERROR_ACCESS_DENIED,
-                  Unusable = ERROR_INVALID_PARAMETER;
+constexpr LSTATUS Denied = ERROR_ACCESS_DENIED, Unusable = ERROR_INVALID_PARAMETER;
 
-class RegistryTree : public testing::Test {
+class RegistryTree : public testing::Test, public UserSettings {
 protected:
-    LSTATUS Open(const std::string& path)
-    {
-        RegCloseKey(m_key);
-        return RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &m_key);
-    }
-    LSTATUS Create(const std::string& path)
-    {
-        RegCloseKey(m_key);
-        return RegCreateKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &m_key,
-                               nullptr);
-    }
-    LSTATUS Set(const std::string& name, const std::string& text)
-    {
-        return UserSettings::WriteText(m_key, name, text);
-    }
-    std::string Read(const fs::path& file) const
-    {
-        return m_user.Folder().Read(file.lexically_relative(m_folder).string());
-    }
-    std::string Get(const std::string& name) { return UserSettings::ReadText(m_key, name); }
-    ~RegistryTree() override { RegCloseKey(m_key); }
-
-    UserSettings m_user;
-    const fs::path m_folder = m_user.Folder().Path();
-    const fs::path m_tree = m_folder / "config/kvt01/HKEY_CURRENT_USER";
-    HKEY m_key = nullptr;
+    const std::string tree = "config/kvt01/HKEY_CURRENT_USER/";
+    const fs::path top = Folder().Path(tree);
 };
 
 TEST_F(RegistryTree, IsOfFoldersAndTextFilesOfTheUsersOwn)
 {
-    Create("Software\\Editor");
-    Set("Log", "1");
-    const fs::path file = m_tree / "Software/Editor/Log";
-    EXPECT_EQ(Read(file), "1");
+    Use("Log", "1", "Software\\Editor");
+    const fs::path file = top / "Software/Editor/Log";
+    EXPECT_EQ(Folder().Read(tree + "Software/Editor/Log"), "1");
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-    for (fs::path folder = file.parent_path(); folder != m_folder.parent_path();
-         folder = folder.parent_path())
+    for (fs::path folder = file.parent_path(); folder.filename() != "config"; folder = folder.parent_path())
         EXPECT_EQ(fs::status(folder).permissions(), fs::perms::owner_all) << folder;
     const std::string large(10'000'000, 'x');
     for (const auto& [content, text] : std::map<std::string, std::string>{{"echo\n", "echo"},
@@ -62,26 +35,24 @@ TEST_F(RegistryTree, IsOfFoldersAndTextFilesOfTheUsersOwn)
                                                                           {"\r\n", ""},
                                                                           {large + '\n', large}}) {
         const std::string name = "f" + content.substr(0, 3);
-        m_user.Folder().Write("config/kvt01/HKEY_CURRENT_USER/Software/Editor/" + name, content);
-        EXPECT_EQ(Get(name), text);
+        Folder().Write(tree + "Software/Editor/" + name, content);
+        EXPECT_EQ(Setting(name, "Software\\Editor"), text);
     }
 }
 
 TEST_F(RegistryTree, HasNoValueWhereThereIsNoReadableFile)
 {
-    Create("Odd\\folder");
-    Open("Odd");
-    const fs::path folder = m_tree / "Odd";
-    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
-    fs::create_symlink(folder / "loop", folder / "loop");
-    EXPECT_EQ(Get("folder"), "ERROR 2");
-    EXPECT_EQ(Get("pipe"), "ERROR 5"); // without waiting for its other end
-    EXPECT_TRUE(Get("loop").starts_with("ERROR"));
-    EXPECT_EQ(Set("folder", "x"), Denied);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 3); // what was begun is gone
-    Set("file", "x");
-    EXPECT_EQ(Open("Odd\\file"), Missing);
-    EXPECT_EQ(Create("Odd\\file"), Denied);
+    Use("file", "x", "Odd");
+    Use("file", "x", "Odd\\folder");
+    ASSERT_EQ(mkfifo((top / "Odd/pipe").c_str(), 0600), 0);
+    fs::create_symlink(top / "Odd/loop", top / "Odd/loop");
+    EXPECT_EQ(Setting("folder", "Odd"), "ERROR 2");
+    EXPECT_EQ(Setting("pipe", "Odd"), "ERROR 5"); // without waiting for its other end
+    EXPECT_TRUE(Setting("loop", "Odd").starts_with("ERROR"));
+    EXPECT_EQ(Use("folder", "x", "Odd"), Denied);
+    EXPECT_EQ(std::distance(fs::directory_iterator(top / "Odd"), {}), 4); // what was begun is gone
+    EXPECT_EQ(Setting("", "Odd\\file"), "ERROR 2");
+    EXPECT_EQ(Use("", "x", "Odd\\file"), Denied);
 }
 
 // Each hostile name works as any other; all the files are below the tree, and each name has its own.
@@ -90,69 +61,62 @@ TEST_F(RegistryTree, HoldsHostileNamesInsideTheTree)
     const char* const names[] = {"..",     ".",         "../x",  "../../x", "/etc/passwd", "a/b",
                                  "%2E%2E", "%newAAAAA", "a%00b", "...",     ".hidden",     "~",
                                  "x\n",    "\xFF\xC0",  "*",     "-rf",     "$HOME",       " "};
-    m_user.Folder().Write("config/kvt01/x", "outside");
+    Folder().Write("config/kvt01/x", "outside");
     for (const std::string name : names) {
-        EXPECT_EQ(Open(name), Missing) << name;
-        Create("Names\\" + name);
-        EXPECT_EQ(Get(name), "ERROR 2") << name;
-        EXPECT_EQ(Set(name, "of " + name), 0) << name;
-        EXPECT_EQ(Set(name + "\\..\\" + name, "long " + name), 0) << name;
+        EXPECT_EQ(Setting("", name) + Setting(name, "Names\\" + name), "ERROR 2ERROR 2") << name;
+        EXPECT_EQ(Use(name, "of " + name, "Names\\" + name), 0) << name;
+        EXPECT_EQ(Use(name + "\\..\\" + name, "long " + name, "Names\\" + name), 0) << name;
     }
-    for (const std::string name : names) {
-        EXPECT_EQ(Open("Names\\" + name), 0) << name;
-        EXPECT_EQ(Get(name) + Get(name + "\\..\\" + name), "of " + name + "long " + name);
-    }
+    for (const std::string name : names)
+        EXPECT_EQ(Setting(name, "Names\\" + name) + Setting(name + "\\..\\" + name, "Names\\" + name),
+                  "of " + name + "long " + name);
     std::size_t files = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(m_tree / "Names"))
+    for (const auto& entry : fs::recursive_directory_iterator(top / "Names"))
         files += entry.is_regular_file();
     EXPECT_EQ(files, 2 * std::size(names));
-    fs::remove_all(m_tree / "Names");
-    EXPECT_EQ(std::distance(fs::recursive_directory_iterator(m_folder), {}), 4); // down to the x
+    fs::remove_all(top / "Names");
+    EXPECT_EQ(std::distance(fs::recursive_directory_iterator(Folder().Path()), {}), 4); // down to the x
 }
 
 TEST_F(RegistryTree, RefusesNamesThatAreTooLong)
 {
-    EXPECT_EQ(Create(std::string(255, 'a')), 0);
-    EXPECT_EQ(Set(std::string(255, 'b'), "x"), 0);
+    EXPECT_EQ(Use(std::string(255, 'b'), "x", std::string(255, 'a')), 0);
     for (const std::string& name : {std::string(256, 'a'), std::string(86, '/'), std::string(5000, 'k')}) {
-        EXPECT_EQ(Set(name, "x"), Unusable);
-        EXPECT_EQ(Open(name), Unusable);
-        EXPECT_EQ(Create(name), Unusable);
-        Create("a");
+        EXPECT_EQ(Use(name, "x", "a"), Unusable);
+        EXPECT_EQ(Use("a", "x", name), Unusable);
+        EXPECT_EQ(Setting("a", name), "ERROR 87");
     }
 }
 
 TEST_F(RegistryTree, NeedsAPlaceThatTheEnvironmentNames)
 {
-    m_user.Set("XDG_CONFIG_HOME", "relative");
-    m_user.Set("HOME", m_folder / "home");
-    Create("Key");
-    EXPECT_TRUE(fs::is_directory(m_folder / "home/.config/kvt01/HKEY_CURRENT_USER/Key"));
-    m_user.Unset("XDG_CONFIG_HOME");
-    m_user.Unset("HOME");
-    EXPECT_NE(Create("Key"), 0);
-    m_key = HKEY_CURRENT_USER;
-    EXPECT_NE(Set("v", "x"), 0);
+    Set("XDG_CONFIG_HOME", "relative");
+    Set("HOME", Folder().Path("home"));
+    Use("v", "x", "Key");
+    EXPECT_EQ(Folder().Read("home/.config/kvt01/HKEY_CURRENT_USER/Key/v"), "x");
+    Unset("XDG_CONFIG_HOME");
+    Unset("HOME");
+    EXPECT_NE(Use("v", "x", "Key"), 0);
+    EXPECT_NE(RegSetValueExA(HKEY_CURRENT_USER, "v", 0, REG_SZ, nullptr, 0), 0);
 }
 
 // A reader in the middle of many writes sees one whole text or another, and no other file appears.
 TEST_F(RegistryTree, ReplacesAValueAsAWhole)
 {
-    Create("Whole");
     const std::string texts[] = {std::string(100'000, 'a'), std::string(70'000, 'b')};
-    Set("v", texts[0]);
+    Use("v", texts[0], "Whole");
     std::atomic<bool> isDone = false;
     std::thread writer([&] {
         for (int i = 0; i < 100; ++i)
-            EXPECT_EQ(Set("v", texts[i % 2]), 0);
+            EXPECT_EQ(Use("v", texts[i % 2], "Whole"), 0);
         isDone = true;
     });
     while (!isDone) {
-        const std::string read = Read(m_tree / "Whole/v");
+        const std::string read = Folder().Read(tree + "Whole/v");
         EXPECT_TRUE(read == texts[0] || read == texts[1]) << read.size();
     }
     writer.join();
-    EXPECT_EQ(std::distance(fs::directory_iterator(m_tree / "Whole"), {}), 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(top / "Whole"), {}), 1);
 }
 
 } // namespace

@@ -106,7 +106,10 @@ struct LogHome {
     const TemporaryFolder& Folder() const { return settings.Folder(); }
     std::string Path() const { return Folder().Path(Name); }
     void Write(const std::string& bytes) const { Folder().Write(Name, bytes); }
-    std::string Bytes() const { return Folder().Read(Name); }
+    std::string Bytes() const
+    {
+        return std::filesystem::is_directory(Path()) ? "a folder" : Folder().Read(Name);
+    }
     StoredLines Lines() const { return LinesIn(Bytes()); }
     std::set<std::string> Files() const
     {

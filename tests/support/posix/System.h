@@ -21,10 +21,10 @@ inline int RunProgram(const std::string& program, const std::string& words)
     return WEXITSTATUS(std::system(("'" + program + "' " + words).c_str()));
 }
 
-// At once, as who kills it does.
-inline void EndThisProcess()
+// As a user kills it.
+inline void KillProcess(int id)
 {
-    std::raise(SIGKILL);
+    kill(id, SIGKILL);
 }
 
 // In a program that a test runs: from now on it works for the TestUser of that test.

@@ -18,10 +18,12 @@ inline int RunProgram(const std::string& program, const std::string& words)
     return std::system(("\"\"" + program + "\" " + words + "\"").c_str());
 }
 
-// At once, as who kills it does.
-inline void EndThisProcess()
+// As a user kills it.
+inline void KillProcess(int id)
 {
-    TerminateProcess(GetCurrentProcess(), 1);
+    const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, static_cast<DWORD>(id));
+    TerminateProcess(process, 1);
+    CloseHandle(process);
 }
 
 // In a program that a test runs: from now on it works for the TestUser of that test.
