@@ -151,6 +151,7 @@ LogFile::Content LogFile::TakeUp(const CString& path, LogEntries& entries)
 {
     if (IsKnown(path))
         return m_knownContent;
+    Forget(); // while it is open, a file that was deleted may keep the name
     SharedFile file;
     const auto open = [&] {
         return file.OpenShared(path, GENERIC_READ, SharedFile::ShareAll, OPEN_EXISTING);

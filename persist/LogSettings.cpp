@@ -92,7 +92,7 @@ CString UsualFolder(const CString& fileName)
 
 // ---- the name -------------------------------------------------------------------------------------------
 
-constexpr int MostNameBytes = 200; // leaves room for what is put behind it
+constexpr int MostNameBytes = 80; // it stands twice in a path, which may have 259 on the original platform
 
 CString Escaped(const CString& name)
 {

@@ -16,20 +16,21 @@ protected:
 
 TEST_F(AppLoggerTest, TheSwitchDecidesWhetherThereIsALogger)
 {
+    const auto switchOf = [](const char* app) { return UserSettings::Setting("Log", LogHome::KeyOf(app)); };
     AppLogger::EnableLogging(true); // without a name
     EXPECT_FALSE(AppLogger::CheckLogging() || AppLogger::m_bCheckedRegistry || AppLogger::SetLogFile());
     AppLogger::SetAppName("App");
     EXPECT_TRUE(AppLogger::m_bCheckedRegistry);
     AppLogger::AddLine("nobody takes this");
-    EXPECT_FALSE(std::filesystem::exists(home.settings.Tree()));
+    EXPECT_EQ(switchOf("App"), "ERROR 2");
     AppLogger::EnableLogging(true);
-    EXPECT_EQ(UserSettings::ReadFile(home.Value("Log")), "1");
+    EXPECT_EQ(switchOf("App"), "1");
     AppLogger::GetInstance()->AddLine("kept");
     AppLogger::EnableLogging(true); // no change
     EXPECT_EQ(home.Lines(), (StoredLines{Started, {"", "kept"}}));
 
     AppLogger::EnableLogging(false);
-    EXPECT_EQ(UserSettings::ReadFile(home.Value("Log")), "0");
+    EXPECT_EQ(switchOf("App"), "0");
     EXPECT_EQ(AppLogger::m_pInstance, nullptr);
     AppLogger::GetInstance()->AddLine("nobody takes this either");
     AppLogger::EnableLogging(true);
@@ -37,7 +38,7 @@ TEST_F(AppLoggerTest, TheSwitchDecidesWhetherThereIsALogger)
     LogHome::Start("Other"); // the same logger, in a file of its own
     AppLogger::AddLine("x");
     EXPECT_EQ(home.Lines().size(), 3U);
-    EXPECT_TRUE(UserSettings::ReadFile(home.State() + "/CorvaneSoftware/Other/Other.log").ends_with("\1x"));
+    EXPECT_TRUE(home.Folder().Read("state/CorvaneSoftware/Other/Other.log").ends_with("\1x"));
 }
 
 TEST_F(AppLoggerTest, ALoggerComesBackAfterItWasDestroyed)
@@ -51,7 +52,7 @@ TEST_F(AppLoggerTest, ALoggerComesBackAfterItWasDestroyed)
     EXPECT_EQ(home.Lines(), (StoredLines{Started, Started}));
     AppLogger::DeleteInstance();
     AppLogger::EnableLogging(false);
-    UserSettings::WriteFile(home.Value("Log", "Other"), "1\n");
+    home.settings.Use("Log", "1", LogHome::KeyOf("Other"));
     AppLogger::SetAppName("Other"); // one switch has been read: the other one does not count
     EXPECT_EQ(AppLogger::m_pInstance, nullptr);
     EXPECT_NE(AppLogger::GetInstance(), nullptr);
@@ -59,12 +60,28 @@ TEST_F(AppLoggerTest, ALoggerComesBackAfterItWasDestroyed)
 
 TEST_F(AppLoggerTest, TheSwitchIsADecimalNumber)
 {
-    for (int number = 0; const auto& [text, isOn] : Cases<2>("switches")) {
-        const std::string app = "App" + std::to_string(++number); // what is known of one is kept for a second
-        UserSettings::WriteFile(home.Value("Log", app), text);
-        AppLogger::m_csAppName = app;
+    AppLogger::m_csAppName = "App";
+    for (const auto& [text, isOn] : Cases<2>("switches")) {
+        home.settings.Use("Log", text, LogHome::KeyOf("App"));
         EXPECT_EQ(AppLogger::CheckLogging(), isOn == "1") << text;
     }
+}
+
+TEST_F(AppLoggerTest, ANameThatComesBackFindsItsLines)
+{
+    LogHome::Start();
+    AppLogger::AddLine("kept");
+    AppLogger::SetAppName("Other");
+    AppLogger::SetAppName("App");
+    AppLogger::AddLine("new");
+    EXPECT_EQ(home.Lines(), (StoredLines{Started, {"", "kept"}, {"", "new"}}));
+    SetFileAttributesA(home.Path().c_str(), FILE_ATTRIBUTE_READONLY);
+    AppLogger::SetAppName("Other");
+    AppLogger::SetAppName("App");
+    AppLogger::SetMaxLogEntries(2);
+    AppLogger::AddLine("not written"); // the bound holds for what is read, too
+    EXPECT_EQ(LogHome::Texts().size(), 2U);
+    SetFileAttributesA(home.Path().c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 TEST_F(AppLoggerTest, MarkersAreTakenFromTheFrontOfALine)
@@ -99,8 +116,9 @@ TEST_F(AppLoggerTest, LogTextFollowsTheUsersLocale)
                               EntryBytes("", "midnight", day, 0) + EntryBytes("{M}", "no time", day, ~0U) +
                               EntryBytes("", "nothing at all", 0, ~0U);
     LogHome::Load(bytes);
-    for (const auto& [locale, date, time] : Cases<3>("log times")) {
-        home.settings.Set("LC_ALL", locale);
+    for (const auto& [shortDate, timeFormat, date, time] : Cases<4>("log times")) {
+        home.settings.Use("sShortDate", shortDate);
+        home.settings.Use("sTimeFormat", timeFormat);
         EXPECT_EQ(LogHome::Texts(),
                   (std::vector<std::string>{date + " " + time + "\t{M}\tafternoon", date + "\t\tmidnight",
                                             date + "\t{M}\tno time", "\t\tnothing at all"}));
@@ -127,6 +145,9 @@ TEST_F(AppLoggerTest, SerializingReplacesTheListOrLeavesIt)
     EXPECT_EQ(HexOf(LogHome::Stored()), "19436F7276616E6520536F667477617265204C6F672046696C65" // the title
                                         "0700034170700100000000000000"
                                         "02000300020000000A000000037B787D0161");
+    const std::string impossible = EntryBytes("", "").substr(0, 13) + BytesOf("FF FFFF FEFFFFFF");
+    EXPECT_THROW(LogHome::Load(HeaderBytes(2) + EntryBytes("", "c") + impossible), std::length_error);
+    EXPECT_EQ(LogHome::Stored(), HeaderBytes(1) + EntryBytes("", "c"));
 }
 
 TEST_F(AppLoggerTest, FailuresOfTheLibraryLandInTheLog)
@@ -144,6 +165,7 @@ TEST_F(AppLoggerTest, FailuresOfTheLibraryLandInTheLog)
 
 TEST_F(AppLoggerTest, NamesStayInsideTheirFolders)
 {
+    namespace fs = std::filesystem;
     std::set<std::string> files;
     for (const auto& [piece, times, isUsable] : Cases<3>("application names")) {
         std::string name;
@@ -151,41 +173,32 @@ TEST_F(AppLoggerTest, NamesStayInsideTheirFolders)
             name += piece;
         LogHome::Start(name);
         EXPECT_EQ(AppLogger::GetInstance() != nullptr, isUsable == "1") << name;
-        const std::filesystem::path path(AppLogger::m_csLogFile.GetString());
+        const fs::path path(AppLogger::m_csLogFile.GetString());
         if (isUsable == "1") {
-            EXPECT_TRUE(std::filesystem::is_regular_file(path)) << name;
-            EXPECT_EQ(path.parent_path().parent_path(), home.State() + "/CorvaneSoftware") << name;
-            EXPECT_TRUE(files.insert(path).second) << name; // nor do two names share a file
+            EXPECT_TRUE(fs::is_regular_file(path)) << name;
+            EXPECT_EQ(fs::relative(path, home.Folder().Path()).parent_path().parent_path(),
+                      fs::path("state") / "CorvaneSoftware")
+                << name;
+            EXPECT_TRUE(files.insert(path.string()).second) << name; // nor do two names share a file
         }
         LogHome::Forget();
     }
-    EXPECT_EQ(LogHome::NamesIn(home.settings.Folder()), (std::set<std::string>{"config", "state"}));
 }
 
 TEST_F(AppLoggerTest, SettingsNameTheFolder)
 {
-    const std::string folder = home.settings.Folder() / "far/away";
-    UserSettings::WriteFile(home.Value("SettingsPath"), folder + "/\n");
+    const auto isLogOf = [](const std::string& folder) {
+        return std::filesystem::equivalent(AppLogger::m_csLogFile.GetString(), folder + "/App.log");
+    };
+    const std::string folder = home.Folder().Path("far/away");
+    home.settings.Use("SettingsPath", folder + "/", LogHome::KeyOf("App"));
     LogHome::Start();
-    EXPECT_EQ(LinesIn(UserSettings::ReadFile(folder + "/App.log")), StoredLines{Started});
+    EXPECT_TRUE(isLogOf(folder));
     for (const char* name : {"SettingsPathDebug_x64", "SettingsPathRelease_x64"})
-        UserSettings::WriteFile(home.Value(name), folder + "/build");
+        home.settings.Use(name, folder + "/build", LogHome::KeyOf("App"));
     AppLogger::EnableLogging(false);
     AppLogger::EnableLogging(true); // which finds the folder anew
-    EXPECT_EQ(AppLogger::m_csLogFile, (folder + "/build/App.log").c_str());
-
-    const std::string usual = home.settings.Folder() / "home/.local/state/CorvaneSoftware/Third/Third.log";
-    const std::string far = "/" + std::string(5000, 'x');
-    home.settings.Set("HOME", home.settings.Folder() / "home");
-    for (const auto& [state, expected] : {std::pair<std::string, std::string>("", usual),
-                                          {"relative", usual},
-                                          {far, far + "/CorvaneSoftware/Third/Third.log"}}) {
-        LogHome::Forget();
-        home.settings.Set("XDG_STATE_HOME", state);
-        AppLogger::m_csAppName = "Third";
-        EXPECT_TRUE(AppLogger::SetLogFile());
-        EXPECT_EQ(AppLogger::m_csLogFile, expected.c_str());
-    }
+    EXPECT_TRUE(isLogOf(folder + "/build"));
 }
 
 } // namespace

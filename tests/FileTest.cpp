@@ -297,7 +297,7 @@ TEST(StdioFile, WritingGoesOnBehindTheLineThatWasRead)
     const TemporaryFolder folder;
     const std::string path = folder.Path("file");
     folder.Write("file", "one\r\ntwo\r\nthree\r\n");
-    CStdioFile file(path.c_str(), CFile::modeReadWrite);
+    CStdioFile file(path.c_str(), CFile::modeReadWrite | CFile::shareDenyNone);
     CString line;
     EXPECT_TRUE(file.ReadString(line));
     file.WriteString("T\nO"); // over what the reader would get next

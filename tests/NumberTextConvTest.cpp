@@ -42,7 +42,7 @@ TEST_F(NumberText, OfManyDigits)
 // At most four characters of a separator are written, however many digits it stands between.
 TEST_F(NumberText, InGroupsTakesFourCharactersOfASeparator)
 {
-    UserSettings::WriteFile(m_user.International() / "sGrouping", "1;0");
+    m_user.Use("sGrouping", "1;0");
     Use(".", "<1234>");
     EXPECT_EQ(NumberTextConv::NumberToString(-127, true), "-1<1232<1237");
     EXPECT_EQ(NumberTextConv::NumberToString(uint64{ULLONG_MAX}, true).GetLength(), 20 + 19 * 4);
@@ -50,7 +50,7 @@ TEST_F(NumberText, InGroupsTakesFourCharactersOfASeparator)
 
 TEST_F(NumberText, LosesItsDecimalZeroes)
 {
-    UserSettings::WriteFile(m_user.International() / "sDecimal", ""); // the user has none
+    m_user.Use("sDecimal", ""); // the user has none
     for (const auto& [decimal, before, after] : Cases<3>("decimal zeroes")) {
         Use(decimal.c_str(), ",");
         CString text = before;

@@ -63,7 +63,7 @@ inline std::vector<std::vector<std::string>> Rows(const std::string& section)
                     cell = Unescaped(cell);
         }
     }
-    EXPECT_FALSE(rows.empty()) << section;
+    EXPECT_TRUE(!rows.empty() || section.find("exceptions") != std::string::npos) << section;
     return rows;
 }
 

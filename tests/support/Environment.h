@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "SetVariable.h"
+#include "System.h"
 
 class Environment {
 public:

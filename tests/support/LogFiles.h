@@ -68,13 +68,9 @@ inline StoredLines LinesIn(const std::string& bytes)
 
 inline const StoredLines::value_type Started = {"{7A7B98BB-B07D-450C-BEB1-5ECF84735ACC}", "Logging started"};
 
-// A user with an empty registry and state folder, and a logger that has forgotten everything.
+// A user without settings and a logger that has forgotten everything.
 struct LogHome {
-    LogHome()
-    {
-        settings.Set("XDG_STATE_HOME", State());
-        Forget();
-    }
+    LogHome() { Forget(); }
     ~LogHome() { Forget(); }
 
     static void Load(const std::string& bytes)
@@ -104,27 +100,25 @@ struct LogHome {
         AppLogger::GetLogText(lines);
         return {lines.begin(), lines.end()};
     }
+    static constexpr const char* Name = "state/CorvaneSoftware/App/App.log";
+    static std::string KeyOf(const std::string& app) { return "Software\\CorvaneSoftware\\" + app; }
 
-    std::string State() const { return (settings.Folder() / "state").string(); }
-    std::string Path() const { return State() + "/CorvaneSoftware/App/App.log"; }
-    void Write(const std::string& bytes) const { UserSettings::WriteFile(Path(), bytes); }
+    const TemporaryFolder& Folder() const { return settings.Folder(); }
+    std::string Path() const { return Folder().Path(Name); }
+    void Write(const std::string& bytes) const { Folder().Write(Name, bytes); }
     std::string Bytes() const
     {
-        return std::filesystem::is_directory(Path()) ? "a folder" : UserSettings::ReadFile(Path());
+        return std::filesystem::is_directory(Path()) ? "a folder" : Folder().Read(Name);
     }
     StoredLines Lines() const { return LinesIn(Bytes()); }
-    std::filesystem::path Value(const std::string& name, const std::string& app = "App") const
-    {
-        return settings.Tree() / "Software/CorvaneSoftware" / app / name;
-    }
-    static std::set<std::string> NamesIn(const std::filesystem::path& folder)
+    std::set<std::string> Files() const
     {
         std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(folder))
+        for (const auto& entry :
+             std::filesystem::directory_iterator(Folder().Path("state/CorvaneSoftware/App")))
             names.insert(entry.path().filename().string());
         return names;
     }
-    std::set<std::string> Files() const { return NamesIn(std::filesystem::path(Path()).parent_path()); }
 
     UserSettings settings;
 };

@@ -1,23 +1,18 @@
-// Random numbers and texts for one test. A failure prints the seed; give it to the constructor to see the
-// same failure again.
+// Random numbers and texts for one test; where it fails, its seed is told.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <iterator>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
 
-class RandomTexts {
-public:
-    explicit RandomTexts(unsigned int seed = std::random_device()())
-        : m_engine(seed), m_trace("seed", 0, std::to_string(seed))
-    {
-    }
+#include "support/RandomSource.h"
 
-    std::size_t Below(std::size_t end) { return m_engine() % end; }
+class RandomTexts : public RandomSource {
+public:
+    using RandomSource::RandomSource;
+
+    std::size_t Below(std::size_t end) { return (*this)() % end; }
     bool OneIn(std::size_t count) { return Below(count) == 0; }
     template <class List>
     const auto& Pick(const List& list)
@@ -33,11 +28,7 @@ public:
             text += Pick(pieces);
         return text;
     }
-    std::mt19937& Engine() { return m_engine; }
-
-private:
-    std::mt19937 m_engine;
-    testing::ScopedTrace m_trace;
+    std::mt19937& Engine() { return *this; }
 };
 
 // What stands between blanks.

@@ -1,6 +1,7 @@
 // A new empty folder for one test, removed with all that is in it.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -8,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
 class TemporaryFolder {
 public:
@@ -31,9 +33,10 @@ public:
     const std::string& Path() const { return m_path; } // ends with a separator
     std::string Path(std::string_view name) const { return m_path + std::string(name); }
 
-    // Makes the file or replaces it, and says its path.
+    // Makes the file, in a folder that need not be there, or replaces it, and says its path.
     std::string Write(std::string_view name, std::string_view bytes) const
     {
+        std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
         std::ofstream file(Path(name), std::ios::binary);
         file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         return Path(name);
@@ -51,6 +54,18 @@ public:
     {
         std::filesystem::create_directories(Path(name));
         return Path(name);
+    }
+    // What is in a file as soon as that is complete, or after a minute.
+    template <class IsComplete>
+    std::string Await(std::string_view name, IsComplete isComplete) const
+    {
+        for (int tries = 0; tries < 60'000 && !isComplete(Read(name)); ++tries)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        return Read(name);
+    }
+    std::string Await(std::string_view name) const
+    {
+        return Await(name, [](const std::string& bytes) { return !bytes.empty(); });
     }
 
 private:

@@ -1,60 +1,53 @@
-// A user of the test's own: an empty registry in a new folder and no locale in the environment. All is put
-// back at the end.
+// A user of the test's own, with an empty registry, and no separator that was kept for the user before.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "LocaleUtils.h"
-#include "platform/Platform.h"
-#include "support/Environment.h"
-#include "support/TemporaryFolder.h"
+#include "TestUser.h"
 
-class UserSettings : public Environment {
+class UserSettings : public TestUser {
 public:
-    UserSettings()
-    {
-        for (const char* variable :
-             {"LC_ALL", "LC_NUMERIC", "LC_MONETARY", "LC_TIME", "LC_MEASUREMENT", "LC_MESSAGES", "LANG"})
-            Unset(variable);
-        Set("XDG_CONFIG_HOME", m_folder.Path("config"));
-        ForgetSeparators();
-    }
+    UserSettings() { ForgetSeparators(); }
     ~UserSettings() { ForgetSeparators(); }
 
-    std::filesystem::path Folder() const { return m_folder.Path(); }
-    std::filesystem::path Tree() const { return m_folder.Path("config/kvt01/HKEY_CURRENT_USER"); }
-    std::filesystem::path International() const { return Tree() / "Control Panel/International"; }
+    const TemporaryFolder& Folder() const { return m_folder; }
 
-    // A text in the registry, through the library.
-    static LSTATUS WriteText(HKEY key, const std::string& name, const std::string& text)
+    // Texts of the registry, through the platform: gives what the call gives.
+    LSTATUS Use(const std::string& name, const std::string& text,
+                const std::string& path = "Control Panel\\International")
     {
-        return RegSetValueExA(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
-                              static_cast<DWORD>(text.size() + 1));
+        if (path.ends_with("International") && SetByCall(name, text))
+            return ERROR_SUCCESS;
+        HKEY key = nullptr;
+        LSTATUS status = RegCreateKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
+                                         &key, nullptr);
+        if (status == ERROR_SUCCESS)
+            status = RegSetValueExA(key, name.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                                    static_cast<DWORD>(text.size() + 1));
+        RegCloseKey(key);
+        return status;
     }
-    static void Use(const std::string& name, const std::string& text,
-                    const char* path = "Control Panel\\International")
+    // The text, or "ERROR n".
+    static std::string Setting(const std::string& name, const std::string& path)
     {
         HKEY key = nullptr;
-        RegCreateKeyExA(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr);
-        EXPECT_EQ(WriteText(key, name, text), 0);
+        DWORD type = 0, size = 0;
+        LSTATUS status = RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key);
+        if (status == ERROR_SUCCESS)
+            status = RegQueryValueExA(key, name.c_str(), nullptr, &type, nullptr, &size);
+        std::string text(size, '#');
+        if (status == ERROR_SUCCESS)
+            status = RegQueryValueExA(key, name.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(text.data()),
+                                      &size);
         RegCloseKey(key);
-    }
-
-    // As another process would: the file is written, and the library not told.
-    static void WriteFile(const std::filesystem::path& file, const std::string& text)
-    {
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << text;
-    }
-    static std::string ReadFile(const std::filesystem::path& file)
-    {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
+        if (status != ERROR_SUCCESS)
+            return "ERROR " + std::to_string(status);
+        EXPECT_TRUE(type == REG_SZ && text.back() == '\0');
+        text.pop_back();
+        return text;
     }
 
 private:
@@ -66,6 +59,4 @@ private:
               &LocaleUtils::m_csCurrencyThousandsSeparator})
             separator->Empty();
     }
-
-    TemporaryFolder m_folder;
 };
