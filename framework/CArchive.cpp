@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <stdexcept>
 
 #include "CFile.h"
 #include "CRewindArchive.h"
@@ -26,7 +25,7 @@ std::size_t NextStep(std::size_t done, uint64 wanted)
 void RequireTextLength(uint64 length)
 {
     if (length > static_cast<uint64>(CString::MaxLength))
-        throw std::length_error("text in the archive is too long");
+        throw CArchiveException(CArchiveException::genericException);
 }
 
 } // namespace

@@ -99,7 +99,7 @@ public:
     static void ForceWrite();
     // The layout of the file (docs/archive-format.md). Loading replaces the list, unless title or version are
     // others or there is no whole entry; where the data break off or claim an impossible length,
-    // CArchiveException or std::length_error is raised and the entries before that are the list.
+    // CArchiveException is raised and the entries before that are the list.
     static void Serialize(CArchive& archive);
 
     // The text of a value of a key below HKEY_CURRENT_USER; empty without one, or above 64 KB.

@@ -9,7 +9,7 @@
 // Every failure raises CArchiveException, whose cause says which (storing on a loading archive, loading on a
 // storing one, the end of the data, malformed data, a closed archive), or passes on what the file threw.
 // Lengths and counts on the stream are claims: memory grows only with the data that are really there. A text
-// longer than CString can hold raises std::length_error.
+// longer than CString can hold counts as malformed.
 //
 // The file must outlive the archive. While the archive is open the file's own position is not that of the
 // archive; Flush and Close make it so. One thread at a time.

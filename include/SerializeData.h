@@ -91,6 +91,7 @@ public:
     static uint64 DeserializeLoopCounter(CArchive& archive, bool bLegacy, WORD& version);
 
 protected:
+    // In the wrong direction the cause is genericException.
     static void Serializestring(CArchive& archive, const std::string& text); // store only
     static void Deserialize(CArchive& archive, std::string& text);           // load only
 };

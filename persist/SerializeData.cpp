@@ -138,13 +138,21 @@ void SerializeData::Serialize(CArchive& archive, std::string& text)
         Deserialize(archive, text);
 }
 
+static void Require(bool isDirectionRight)
+{
+    if (!isDirectionRight)
+        throw CArchiveException(CArchiveException::genericException);
+}
+
 void SerializeData::Serializestring(CArchive& archive, const std::string& text)
 {
+    Require(archive.IsStoring());
     archive << text;
 }
 
 void SerializeData::Deserialize(CArchive& archive, std::string& text)
 {
+    Require(archive.IsLoading());
     archive >> text;
 }
 

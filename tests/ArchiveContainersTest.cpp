@@ -40,6 +40,17 @@ struct Reachable : SerializeData {
     using SerializeData::Serializestring;
 };
 
+template <class Action>
+bool IsGenericError(Action action)
+{
+    try {
+        action();
+    } catch (const CArchiveException& exception) {
+        return exception.m_cause == CArchiveException::genericException;
+    }
+    return false;
+}
+
 TEST(ArchiveContainers, CountersAndOperationsOfOneDirection)
 {
     std::string text = "ab";
@@ -47,14 +58,14 @@ TEST(ArchiveContainers, CountersAndOperationsOfOneDirection)
     const std::string bytes = StoredBy([&](CArchive& archive) {
         Reachable::Serializestring(archive, text);
         EXPECT_EQ(SerializeData::SerializeLoopCounter(archive, 258, true), 258u);
-        EXPECT_THROW(Reachable::Deserialize(archive, text), CArchiveException);
+        EXPECT_TRUE(IsGenericError([&] { Reachable::Deserialize(archive, text); }));
         for (const bool isLegacy : {false, true})
             EXPECT_THROW(SerializeData::DeserializeLoopCounter(archive, isLegacy, version),
                          CArchiveException);
     });
     EXPECT_EQ(HexOf(bytes), "0261620201000000000000");
     LoadFrom(bytes + BytesOf("03010000 04010000 0700 0501000000000000"), [&](CArchive& archive) {
-        EXPECT_THROW(Reachable::Serializestring(archive, text), CArchiveException);
+        EXPECT_TRUE(IsGenericError([&] { Reachable::Serializestring(archive, text); }));
         Reachable::Deserialize(archive, text = "");
         EXPECT_EQ(text, "ab");
         EXPECT_EQ(SerializeData::SerializeLoopCounter(archive, 1), 258u);

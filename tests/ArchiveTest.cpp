@@ -92,13 +92,13 @@ TEST(Archive, PrefixesChangeAtTheirLimits)
 
 TEST(Archive, ClaimedTextLengthsAreNotBelieved)
 {
-    constexpr int End = CArchiveException::endOfFile;
+    constexpr int End = CArchiveException::endOfFile, Bad = CArchiveException::genericException;
     // clang-format off
     const std::pair<const char*, int> rows[] = {
         {"05 61626364", End}, {"FF 0040 61", End}, {"FF FFFF FFFFFF7E 61", End}, {"FF FEFF FF FFFF 00000070 6100", End},
-        {"FF FEFF FF FEFF 01 4100", CArchiveException::genericException}, // the mark stands once
-        {"FF FFFF FEFFFFFF", LengthError}, {"FF FFFF FFFFFFFF 0000000000000001", LengthError},
-        {"FF FFFF FFFFFFFF FFFFFFFFFFFFFFFF", LengthError}, {"FF FEFF FF FFFF 000000F0", LengthError}};
+        {"FF FEFF FF FEFF 01 4100", Bad}, // the mark stands once
+        {"FF FFFF FEFFFFFF", Bad}, {"FF FFFF FFFFFFFF 0000000000000001", Bad},
+        {"FF FFFF FFFFFFFF FFFFFFFFFFFFFFFF", Bad}, {"FF FEFF FF FFFF 000000F0", Bad}};
     // clang-format on
     for (const auto& [hex, cause] : rows) {
         CString text = "kept";
