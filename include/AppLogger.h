@@ -35,10 +35,10 @@
 
 #include "BasicTypes.h"
 #include "CString.h"
+#include "CStringArray.h"
 #include "Kvt01Api.h"
 
 class CArchive;
-class CStringArray;
 
 class KVT01_API AppLogger {
 public:
@@ -93,6 +93,12 @@ public:
     // of the name that no file name should have are written %2F, and a name above 200 bytes is cut and ends
     // in a number of its own. False without a name of the application or a folder.
     static bool SetLogFile();
+    static CString GetSettingsPathFromRegistry(); // the folder of those values, or empty
+    // Empties a folder that lies where the system keeps programs: users may not write there, so that such a
+    // value of the registry does not count. GetProgramFilesDir is that place, with a separator at the end;
+    // empty where there is none, so on POSIX systems.
+    static void DealWithProgramFilesInstall(CString& folder);
+    static CString GetProgramFilesDir();
     static bool HaveLogFile();
     // Writes the list now, to m_csLogFile or, while that is empty, the file that SetLogFile finds. A missing
     // folder is made. Does nothing if the file is read-only.
