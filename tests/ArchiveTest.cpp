@@ -52,8 +52,7 @@ concept Storable = requires(CArchive& archive, Value value)
 };
 static_assert(Storable<int> && Storable<int64> && Storable<bool> && Storable<CString>);
 static_assert(!Storable<wchar_t> && !Storable<long double>);
-static_assert(Storable<long> == std::is_same_v<long, LONG>); // whose width is the same everywhere
-static_assert(Storable<unsigned long> == std::is_same_v<unsigned long, DWORD>);
+static_assert(Storable<std::int64_t> && Storable<std::uint64_t> && Storable<LONG> && Storable<DWORD>);
 
 TEST(Archive, PrefixesChangeAtTheirLimits)
 {
