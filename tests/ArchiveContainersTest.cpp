@@ -42,13 +42,11 @@ struct Reachable : SerializeData {
 
 template <class Action>
 bool IsGenericError(Action action)
-{
-    try {
-        action();
-    } catch (const CArchiveException& exception) {
-        return exception.m_cause == CArchiveException::genericException;
-    }
+try {
+    action();
     return false;
+} catch (const CArchiveException& exception) {
+    return exception.m_cause == CArchiveException::genericException;
 }
 
 TEST(ArchiveContainers, CountersAndOperationsOfOneDirection)
