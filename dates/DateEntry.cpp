@@ -1,6 +1,7 @@
 #include "DateEntry.h"
 
 #include "StringUtils.h"
+#include "dates/WrappingArithmetic.h"
 
 namespace {
 
@@ -143,12 +144,11 @@ void DateEntry::SetToLastOccurrence(int year, DateTime& date) const
 
 int DateEntry::GetOccurrenceDate(int n, int year) const
 {
-    if (n < 1 || n > OccurrenceSixth)
-        return 0;
     for (int day = 1; day <= DaysPerWeek; ++day) {
         if (DateTime::GetDayOfWeek(year, m_nMonth, day) != m_nDayOfWeek)
             continue;
-        const int nthDay = (n - 1) * DaysPerWeek + day;
+        // Not checked for being below 1: kept, for an n below 1 answers with a day before the month.
+        const int nthDay = Wrapping::Sum(Wrapping::Product(Wrapping::Sum(n, -1), DaysPerWeek), day);
         return nthDay <= DateTime::GetDaysInMonth(year, m_nMonth) ? nthDay : 0;
     }
     return 0;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <stdexcept>
 
 #include "CFile.h"
 #include "CRewindArchive.h"
@@ -26,7 +25,7 @@ std::size_t NextStep(std::size_t done, uint64 wanted)
 void RequireTextLength(uint64 length)
 {
     if (length > static_cast<uint64>(CString::MaxLength))
-        throw std::length_error("text in the archive is too long");
+        throw CArchiveException(CArchiveException::genericException);
 }
 
 } // namespace
@@ -352,6 +351,27 @@ void CArchive::LoadWideText(CString& text, uint64 length)
         left -= static_cast<uint64>(count);
     }
     text = std::move(loaded);
+}
+
+bool CArchive::ReadString(CString& line)
+{
+    RequireLoading();
+    CString loaded;
+    bool isAny = false;
+    bool isEnded = false;
+    while (!isEnded && (Unread() > 0 || Fetch() > 0)) {
+        isAny = true;
+        const std::string_view unread(reinterpret_cast<const char*>(m_current), Unread());
+        const std::string_view piece = unread.substr(0, unread.find('\n'));
+        RequireTextLength(static_cast<uint64>(loaded.GetLength()) + piece.size());
+        loaded += piece;
+        isEnded = piece.size() < unread.size();
+        m_current += piece.size() + (isEnded ? 1 : 0);
+    }
+    if (isEnded && loaded.View().ends_with('\r'))
+        loaded.Truncate(loaded.GetLength() - 1);
+    line = std::move(loaded);
+    return isAny;
 }
 
 CArchive& CArchive::operator>>(std::string& text)

@@ -288,3 +288,16 @@ bool CFile::GetStatus(const char* fileName, CFileStatus& status)
     status = found;
     return true;
 }
+
+bool CFile::GetStatus(CFileStatus& status) const
+{
+    if (!IsOpen())
+        return false;
+    CFileStatus found;
+    if (BY_HANDLE_FILE_INFORMATION facts = {};
+        m_hFile != nullptr && GetFileInformationByHandle(m_hFile, &facts))
+        found.m_readOnly = (facts.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0;
+    found.m_size = GetLength();
+    status = found;
+    return true;
+}

@@ -86,19 +86,42 @@ FILETIME CFileFind::GetLastWriteTime() const
     return m_search == nullptr ? FILETIME{} : m_search->current.ftLastWriteTime;
 }
 
-bool CFileFind::Has(DWORD attribute) const
+static bool Give(const FILETIME& found, FILETIME* time)
 {
-    return m_search != nullptr && (m_search->current.dwFileAttributes & attribute) != 0;
+    if (time == nullptr || (found.dwLowDateTime == 0 && found.dwHighDateTime == 0))
+        return false;
+    *time = found;
+    return true;
+}
+
+bool CFileFind::GetCreationTime(FILETIME* time) const
+{
+    return Give(GetCreationTime(), time);
+}
+
+bool CFileFind::GetLastAccessTime(FILETIME* time) const
+{
+    return Give(GetLastAccessTime(), time);
+}
+
+bool CFileFind::GetLastWriteTime(FILETIME* time) const
+{
+    return Give(GetLastWriteTime(), time);
+}
+
+bool CFileFind::MatchesMask(DWORD attributes) const
+{
+    return m_search != nullptr && (m_search->current.dwFileAttributes & attributes) != 0;
 }
 
 bool CFileFind::IsDirectory() const
 {
-    return Has(FILE_ATTRIBUTE_DIRECTORY);
+    return MatchesMask(FILE_ATTRIBUTE_DIRECTORY);
 }
 
 bool CFileFind::IsLink() const
 {
-    return Has(FILE_ATTRIBUTE_REPARSE_POINT);
+    return MatchesMask(FILE_ATTRIBUTE_REPARSE_POINT);
 }
 
 bool CFileFind::IsDots() const
@@ -108,10 +131,35 @@ bool CFileFind::IsDots() const
 
 bool CFileFind::IsReadOnly() const
 {
-    return Has(FILE_ATTRIBUTE_READONLY);
+    return MatchesMask(FILE_ATTRIBUTE_READONLY);
 }
 
 bool CFileFind::IsHidden() const
 {
-    return Has(FILE_ATTRIBUTE_HIDDEN);
+    return MatchesMask(FILE_ATTRIBUTE_HIDDEN);
+}
+
+bool CFileFind::IsSystem() const
+{
+    return MatchesMask(FILE_ATTRIBUTE_SYSTEM);
+}
+
+bool CFileFind::IsArchived() const
+{
+    return MatchesMask(FILE_ATTRIBUTE_ARCHIVE);
+}
+
+bool CFileFind::IsNormal() const
+{
+    return MatchesMask(FILE_ATTRIBUTE_NORMAL);
+}
+
+bool CFileFind::IsTemporary() const
+{
+    return MatchesMask(FILE_ATTRIBUTE_TEMPORARY);
+}
+
+bool CFileFind::IsCompressed() const
+{
+    return MatchesMask(FILE_ATTRIBUTE_COMPRESSED);
 }

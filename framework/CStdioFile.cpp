@@ -135,6 +135,17 @@ bool CStdioFile::ReadString(CString& line)
     return isAny;
 }
 
+char* CStdioFile::ReadString(char* line, UINT size)
+{
+    UINT length = 0;
+    bool isEnded = size == 0;
+    while (!isEnded && length + 1 < size && Read(line + length, 1) == 1)
+        isEnded = line[length++] == '\n';
+    if (size > 0)
+        line[length] = '\0';
+    return length > 0 ? line : nullptr;
+}
+
 // Whether the byte in front of the unread is a CR that an LF follows.
 bool CStdioFile::DropCarriageReturn()
 {

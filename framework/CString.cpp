@@ -228,6 +228,12 @@ int CString::Collate(const char* other) const noexcept
     return std::strcoll(GetString(), other == nullptr ? "" : other);
 }
 
+int CString::CollateNoCase(const char* other) const
+{
+    CString lowered(*this);
+    return lowered.MakeLower().Collate(CString(other).MakeLower());
+}
+
 // ---- searching ------------------------------------------------------------------------------------------
 
 int CString::Find(const char* text, int start) const noexcept

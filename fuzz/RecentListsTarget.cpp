@@ -41,15 +41,8 @@ struct Ranked : std::vector<std::pair<Rank, CString>> {
                 texts.push_back(text);
         return texts;
     }
-    // As after storing and loading: up to the limit, and each text once.
-    void Reload(uint64 most)
-    {
-        Ranked kept;
-        for (std::size_t i = 0; i < this->size() && i < most; ++i)
-            if (kept.Find((*this)[i].second) == kept.end())
-                kept.push_back((*this)[i]);
-        *this = kept;
-    }
+    // As after storing and loading: up to the limit.
+    void Reload(uint64 most) { this->resize(std::min<uint64>(this->size(), most)); }
 };
 
 struct SlowLists {

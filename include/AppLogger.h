@@ -35,10 +35,10 @@
 
 #include "BasicTypes.h"
 #include "CString.h"
+#include "CStringArray.h"
 #include "Kvt01Api.h"
 
 class CArchive;
-class CStringArray;
 
 class KVT01_API AppLogger {
 public:
@@ -93,13 +93,19 @@ public:
     // of the name that no file name should have are written %2F, and a name above 200 bytes is cut and ends
     // in a number of its own. False without a name of the application or a folder.
     static bool SetLogFile();
+    static CString GetSettingsPathFromRegistry(); // the folder of those values, or empty
+    // Empties a folder that lies where the system keeps programs: users may not write there, so that such a
+    // value of the registry does not count. GetProgramFilesDir is that place, with a separator at the end;
+    // empty where there is none, so on POSIX systems.
+    static void DealWithProgramFilesInstall(CString& folder);
+    static CString GetProgramFilesDir();
     static bool HaveLogFile();
     // Writes the list now, to m_csLogFile or, while that is empty, the file that SetLogFile finds. A missing
     // folder is made. Does nothing if the file is read-only.
     static void ForceWrite();
     // The layout of the file (docs/archive-format.md). Loading replaces the list, unless title or version are
     // others or there is no whole entry; where the data break off or claim an impossible length,
-    // CArchiveException or std::length_error is raised and the entries before that are the list.
+    // CArchiveException is raised and the entries before that are the list.
     static void Serialize(CArchive& archive);
 
     // The text of a value of a key below HKEY_CURRENT_USER; empty without one, or above 64 KB.

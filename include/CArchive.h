@@ -3,13 +3,13 @@
 //   bool                    a 16-bit word, 1 or 0; on load only 1 is true
 //   numbers                 their own width, unpadded: 1, 2, 4 or 8 bytes; float and double as IEEE 754
 //   CString, std::string    a length prefix, then the characters, no terminator
-// There is no operator for `long` and the other types whose width depends on the platform: cast to int or
-// int64.
+// std::int64_t and std::uint64_t have 8 bytes, whatever type they are. There is no operator for the types
+// whose width depends on the platform, `long` of 4 bytes among them: cast to int or int64.
 //
 // Every failure raises CArchiveException, whose cause says which (storing on a loading archive, loading on a
 // storing one, the end of the data, malformed data, a closed archive), or passes on what the file threw.
 // Lengths and counts on the stream are claims: memory grows only with the data that are really there. A text
-// longer than CString can hold raises std::length_error.
+// longer than CString can hold counts as malformed.
 //
 // The file must outlive the archive. While the archive is open the file's own position is not that of the
 // archive; Flush and Close make it so. One thread at a time.
@@ -37,7 +37,8 @@ concept OneOf = (std::same_as<T, Types> || ...);
 // The numbers an archive knows: those whose width is the same everywhere.
 template <class T>
 concept ArchiveNumber =
-    OneOf<T, char, signed char, BYTE, short, WORD, int, UINT, LONG, DWORD, int64, uint64, float, double>;
+    OneOf<T, char, signed char, BYTE, short, WORD, int, UINT, LONG, DWORD, int64, uint64, float, double> ||
+    LongInt64<T> || LongUint64<T>;
 
 class KVT01_API CArchive {
 public:
@@ -138,6 +139,13 @@ public:
     }
     CArchive& operator>>(std::string& text);
 
+    // Plain characters, without a length: WriteString stores just these. ReadString loads a line, up to the
+    // next LF, which is dropped with a CR in front of it, or to the end of the data; false, and an empty
+    // line, when nothing is left. A line longer than CString can hold counts as malformed.
+    void WriteString(const char* text) { WriteText(text == nullptr ? std::string_view() : text); }
+    void WriteString(const CString& text) { WriteText(text.View()); }
+    bool ReadString(CString& line);
+
     // The next text without a copy, if its prefix is a single byte and all of it is in the buffer (most texts
     // are like that); else the answer is false, nothing is taken, and operator>> loads it. The view holds
     // until the next operation.
@@ -201,6 +209,7 @@ private:
     {
         return at < m_loadLimit && *at != LongMark && *at < m_loadLimit - at;
     }
+    void WriteText(std::string_view text) { Write(text.data(), text.size()); }
     CArchive& StoreText(std::string_view text);
     void LoadLongText(CString& text);
     void LoadNarrowText(CString& text, uint64 length);

@@ -77,6 +77,8 @@ public:
     virtual CString GetFilePath() const { return m_strFileName; }
     virtual void SetFilePath(const char* fileName) { m_strFileName = fileName; }
     virtual bool IsOpen() const noexcept { return m_hFile != nullptr; }
+    // The same as the static form finds out, of the open file itself; false, and nothing set, without one.
+    bool GetStatus(CFileStatus& status) const;
 
     static void Remove(const char* fileName);
     static void Rename(const char* oldName, const char* newName);     // fails when the new name is taken

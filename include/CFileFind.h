@@ -43,11 +43,22 @@ public:
     FILETIME GetCreationTime() const; // all zero before the first file
     FILETIME GetLastAccessTime() const;
     FILETIME GetLastWriteTime() const;
+    bool GetCreationTime(FILETIME* time) const; // false, and nothing set, where it would be all zero
+    bool GetLastAccessTime(FILETIME* time) const;
+    bool GetLastWriteTime(FILETIME* time) const;
     bool IsDirectory() const; // a link to a folder is one
     bool IsLink() const;      // a symbolic link; the other answers are those of what it leads to
     bool IsDots() const;      // . or ..
     bool IsReadOnly() const;
     bool IsHidden() const;
+    // The attributes that other platforms' files may lack: on POSIX systems every file has IsArchived, and
+    // none of the others. Normal is what has no attribute at all.
+    bool IsSystem() const;
+    bool IsArchived() const;
+    bool IsNormal() const;
+    bool IsTemporary() const;
+    bool IsCompressed() const;
+    bool MatchesMask(DWORD attributes) const; // whether it has one of them, in the platform's numbers
 
 #ifdef _WIN32 // what such macros make of a caller's FindNextFile and GetFileTitle: the same operations
     bool FindNextFileA()
@@ -70,7 +81,6 @@ public:
 
 private:
     struct Search;
-    bool Has(DWORD attribute) const;
 
     std::unique_ptr<Search> m_search;
 };

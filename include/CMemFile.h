@@ -8,6 +8,7 @@
 //                    no longer suffice
 #pragma once
 
+#include "CArchive.h"
 #include "CFile.h"
 
 class KVT01_API CMemFile : public CFile {

@@ -16,8 +16,8 @@ public:
     double m_dt = 0;
     DateTimeStatus m_status = valid;
 
-    COleDateTime() = default;                    // 30 December 1899, 0:00, valid
-    explicit COleDateTime(double date) noexcept; // invalid when outside the range
+    COleDateTime() = default;           // 30 December 1899, 0:00, valid
+    COleDateTime(double date) noexcept; // invalid when outside the range
     COleDateTime(int year, int month, int day, int hour, int minute, int second) noexcept; // as SetDateTime
 
     DateTimeStatus GetStatus() const noexcept { return m_status; }

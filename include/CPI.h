@@ -1,9 +1,8 @@
 // CPI: pi, and the angles of a clock's hands. Angles begin at twelve o'clock and grow clockwise.
 #pragma once
 
+#include "DateTime.h"
 #include "Kvt01Api.h"
-
-class DateTime;
 
 class KVT01_API CPI {
 public:

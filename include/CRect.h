@@ -4,6 +4,7 @@
 
 #include "BasicTypes.h"
 
+#include <algorithm>
 #include <utility>
 
 struct CRect {
@@ -34,6 +35,24 @@ struct CRect {
     {
         SetRect(Minus(left, x), Minus(top, y), Plus(right, x), Plus(bottom, y));
     }
+    constexpr void DeflateRect(LONG x, LONG y) noexcept // the opposite
+    {
+        SetRect(Plus(left, x), Plus(top, y), Minus(right, x), Minus(bottom, y));
+    }
+    // The area that two rectangles share, and the smallest that holds both, for which one without an area
+    // does not count. False, and all zero, when the result has no area.
+    constexpr bool IntersectRect(const CRect& a, const CRect& b) noexcept
+    {
+        return SetArea(CRect(std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+                             std::min(a.bottom, b.bottom)));
+    }
+    constexpr bool UnionRect(const CRect& a, const CRect& b) noexcept
+    {
+        if (a.IsRectEmpty() || b.IsRectEmpty())
+            return SetArea(a.IsRectEmpty() ? b : a);
+        return SetArea(CRect(std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+                             std::max(a.bottom, b.bottom)));
+    }
     constexpr void NormalizeRect() noexcept // swaps edges that stand the wrong way round
     {
         if (left > right)
@@ -43,6 +62,11 @@ struct CRect {
     }
 
 private:
+    constexpr bool SetArea(CRect area) noexcept
+    {
+        *this = area.IsRectEmpty() ? CRect() : area;
+        return !IsRectEmpty();
+    }
     static constexpr LONG Plus(LONG a, LONG b) noexcept
     {
         return static_cast<LONG>(static_cast<DWORD>(a) + static_cast<DWORD>(b));

@@ -30,6 +30,9 @@ public:
     // a line that no CString can hold.
     //   "a\r\n\r\nb" -> "a", "", "b", false          in binary mode: "a\r", "\r", "b", false
     bool ReadString(CString& line);
+    // The next line with its LF, or as much of it as fits into `size` bytes with a NUL behind it; what does
+    // not fit is read next. nullptr, and an empty text, when nothing is left or fits.
+    char* ReadString(char* line, UINT size);
     // The text as it is: nothing is added to it.
     void WriteString(const char* text) { WriteText(text == nullptr ? std::string_view() : text); }
     void WriteString(const CString& text) { WriteText(text.View()); }

@@ -51,6 +51,10 @@ public:
     noexcept : FormatArgument(static_cast<std::underlying_type_t<T>>(value)) {}
     FormatArgument(double value) noexcept : m_kind(Kind::Real), m_real(value) {}
     FormatArgument(const char* text) noexcept : m_kind(Kind::Text), m_text(text) {}
+    FormatArgument(const unsigned char* text) noexcept : FormatArgument(reinterpret_cast<const char*>(text))
+    {
+    }
+    FormatArgument(std::nullptr_t) noexcept : FormatArgument(static_cast<const char*>(nullptr)) {}
     FormatArgument(const CString& text) noexcept;
     FormatArgument(const std::string& text) noexcept : m_kind(Kind::Text), m_text(text.c_str()) {}
     FormatArgument(const void* pointer) noexcept : m_kind(Kind::Pointer), m_pointer(pointer) {}
@@ -90,6 +94,10 @@ public:
     explicit CString(char c, int count = 1);
     CString(const std::string& text) : CString(text.data(), CheckedLength(text.size())) {}
     explicit CString(std::string_view text) : CString(text.data(), CheckedLength(text.size())) {}
+    template <std::same_as<unsigned char> Byte>
+    explicit CString(const Byte* text) : CString(reinterpret_cast<const char*>(text))
+    {
+    }
     CString(const CString& other) noexcept
     {
         TakeBytes(other);
@@ -124,6 +132,11 @@ public:
     }
     CString& operator=(const char* text) { return *this = CString(text); }
     CString& operator=(char c) { return *this = CString(c); }
+    template <std::same_as<std::string_view> View> // just this type, so that "" and {} stay unambiguous
+    CString& operator=(View text)
+    {
+        return *this = CString(text);
+    }
     void Swap(CString& other) noexcept { std::swap(m_bytes, other.m_bytes); }
 
     // ---- the text as a whole; pointers hold until the next change ---------------------------------------
@@ -196,17 +209,23 @@ public:
 
     // ---- comparing --------------------------------------------------------------------------------------
     // Compare, CompareNoCase and Collate are the runtime library's strcmp, case-insensitive comparison and
-    // strcoll: they end at the first NUL, and the last two follow the current locale. The operators compare
-    // whole counted texts as unsigned bytes. All three-way results are below, equal to or above 0.
+    // strcoll: they end at the first NUL, and the last two follow the current locale. CollateNoCase is
+    // Collate of what MakeLower makes of both. The operators compare whole counted texts as unsigned bytes.
+    // All three-way results are below, equal to or above 0.
     int Compare(const char* other) const noexcept;
     int Compare(const CString& other) const noexcept { return HasSameText(other) ? 0 : CompareTexts(other); }
     int CompareNoCase(const char* other) const noexcept;
     int Collate(const char* other) const noexcept;
+    int CollateNoCase(const char* other) const;
     friend bool operator==(const CString& a, const CString& b) noexcept
     {
         return a.HasSameBytes(b) || ((a.IsLong() || b.IsLong()) && a.View() == b.View());
     }
     friend bool operator==(const CString& a, const char* b) noexcept { return a.View() == ViewOf(b); }
+    friend bool operator==(const CString& a, std::same_as<std::string_view> auto b) noexcept
+    {
+        return a.View() == b;
+    }
     friend std::strong_ordering operator<=>(const CString& a, const CString& b) noexcept
     {
         return a.View() <=> b.View();
@@ -214,6 +233,10 @@ public:
     friend std::strong_ordering operator<=>(const CString& a, const char* b) noexcept
     {
         return a.View() <=> ViewOf(b);
+    }
+    friend std::strong_ordering operator<=>(const CString& a, std::same_as<std::string_view> auto b) noexcept
+    {
+        return a.View() <=> b;
     }
 
     // ---- searching: the position found, or -1; a negative start counts as 0 -----------------------------
@@ -269,13 +292,16 @@ public:
     int Replace(const char* from,
                 const char* to); // left to right, never inside a replacement; "" is not found
     int Replace(const CString& from, const CString& to); // the same for counted texts
-    void Truncate(int length);                           // keeps at most that many characters
+    int Replace(const CString& from, const char* to) { return Replace(from, CString(to)); }
+    int Replace(const char* from, const CString& to) { return Replace(CString(from), to); }
+    void Truncate(int length); // keeps at most that many characters
 
     // ---- formatting -------------------------------------------------------------------------------------
     // printf's directives (flags, width, precision, * included). The type of each argument decides how it is
-    // read, so length modifiers (h, l, ll, z, I64) are accepted and need not fit; a CString or std::string
-    // serves for %s. A directive without an argument is left standing, an argument of another kind is shown
-    // in its own kind's form, arguments left over are ignored, and %n writes nothing. FormatV is vsnprintf.
+    // read, so length modifiers (h, l, ll, z, I64) are accepted and need not fit; a CString, std::string or
+    // text of unsigned characters serves for %s, and nullptr as an empty one. A directive without an argument
+    // is left standing, an argument of another kind is shown in its own kind's form, arguments left over are
+    // ignored, and %n writes nothing. FormatV is vsnprintf.
     //   Format("%s: %5.1f%%", name, 12.34) -> "name:  12.3%"
     template <class... Arguments>
     void Format(const char* format, const Arguments&... arguments)
@@ -489,6 +515,20 @@ inline CString operator+(CString&& a, char b)
     return std::move(a);
 }
 inline CString operator+(char a, const CString& b)
+{
+    CString sum(a);
+    sum += b;
+    return sum;
+}
+template <std::same_as<std::string_view> View>
+CString operator+(const CString& a, View b)
+{
+    CString sum(a);
+    sum += b;
+    return sum;
+}
+template <std::same_as<std::string_view> View>
+CString operator+(View a, const CString& b)
 {
     CString sum(a);
     sum += b;

@@ -96,8 +96,9 @@ public:
     // The date half is missing afterwards when the year has no such date (30 February, a fifth Friday, an
     // unknown weekday or occurrence); the time half stays. The year filter is not asked.
     void GetDateFor(int year, DateTime& date) const;
-    // The day of the month of the n-th of the rule's weekday in its month; 0 if there is none, n below 1
-    // included.
+    // The day of the month of the n-th of the rule's weekday in its month; 0 if the month or the week has
+    // none. It is the day of the first plus 7 for each further one, in 32 bits that wrap, and 0 only when
+    // that is above the month's length: n below 1 gives a number of 0 or less.
     int GetOccurrenceDate(int n, int year) const;
     // Moves a date by before/after, then off the weekend. A step that would leave the range of dates is not
     // made; a missing date stays missing, and a before/after beyond -7..7 moves nothing.

@@ -19,14 +19,14 @@
 #pragma once
 
 #include "BasicTypes.h"
+#include "COleDateTime.h"
+#include "CString.h"
 #include "FileTime.h"
 #include "Kvt01Api.h"
 
 #include <ctime>
 
 class CArchive;
-class COleDateTime;
-class CString;
 
 class KVT01_API DateTime {
 public:
@@ -86,6 +86,13 @@ public:
     // the output as it is; else a missing half gives 0. Wraps to 32 bits after 19 January 2038, 3:14:07:
     // hosts store these numbers.
     void Get(int64& secondsSince1970) const noexcept;
+    template <LongInt64 Number>
+    void Get(Number& secondsSince1970) const noexcept
+    {
+        int64 seconds = secondsSince1970;
+        Get(seconds);
+        secondsSince1970 = seconds;
+    }
     // Status invalid and date 0 when a half is missing or OLE dates have no such day: years below 100, 29
     // February 1500.
     void Get(COleDateTime& date) const noexcept;
@@ -155,9 +162,23 @@ public:
     // ---- spans of seconds -------------------------------------------------------------------------------
     // a - b; 0 unless all four halves are valid.
     static void ConvertDeltaToSeconds(const DateTime& a, const DateTime& b, int64& seconds) noexcept;
+    template <LongInt64 Number>
+    static void ConvertDeltaToSeconds(const DateTime& a, const DateTime& b, Number& seconds) noexcept
+    {
+        int64 delta = 0;
+        ConvertDeltaToSeconds(a, b, delta);
+        seconds = delta;
+    }
     // Any numbers, negative ones too. Hours and minutes are multiplied in 32 bits and wrap there, all else
     // in 64.
     static void ConvertToSeconds(long days, int hours, int minutes, int seconds, int64& result) noexcept;
+    template <LongInt64 Number>
+    static void ConvertToSeconds(long days, int hours, int minutes, int seconds, Number& result) noexcept
+    {
+        int64 total = 0;
+        ConvertToSeconds(days, hours, minutes, seconds, total);
+        result = total;
+    }
     // The parts of the magnitude: the sign is lost, -90 is 1 minute and 30 seconds.
     static void ConvertFromSeconds(int64 total, long& days, int& hours, int& minutes, int& seconds) noexcept;
 

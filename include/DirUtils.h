@@ -7,8 +7,7 @@
 #include "BasicTypes.h"
 #include "CString.h"
 #include "Kvt01Api.h"
-
-class TextArray;
+#include "TextArray.h"
 
 // Headers of the operating system may have made a macro of this name; below it is the plain name.
 #pragma push_macro("CreateDirectory")

@@ -10,8 +10,7 @@
 #include "BasicTypes.h"
 #include "CString.h"
 #include "Kvt01Api.h"
-
-class TextArray;
+#include "TextArray.h"
 
 class KVT01_API FileUtils {
 public:
@@ -29,9 +28,9 @@ public:
 
     // ---- characters that file names must not have -------------------------------------------------------
     // \ / : * ? " < > | and, when strict, ' and the space.
-    static CString GetBadFileNameChars(bool strict);
+    static CString GetBadFileNameChars(bool strict = false);
     // Overwrites every bad character; with NUL as replacement removes them. A blank name comes back as it is.
-    static CString ReplaceBadFileChars(const CString& name, char replacement, bool strict);
+    static CString ReplaceBadFileChars(const CString& name, char replacement, bool strict = false);
 
     // ---- names that are free ----------------------------------------------------------------------------
     // dir, which must end in a separator, plus fileName, if nothing has that name; else the first that is

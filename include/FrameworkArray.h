@@ -7,6 +7,7 @@
 #pragma once
 
 #include <algorithm>
+#include <concepts>
 #include <cstddef>
 #include <vector>
 
@@ -92,6 +93,12 @@ public:
         const std::vector<T> copies = other.m_items; // may be this one
         GrowTo(index);
         m_items.insert(m_items.begin() + index, copies.begin(), copies.end());
+    }
+    template <std::derived_from<FrameworkArray> Array> // a template, so that a 0 stays an element
+    void InsertAt(Index index, const Array* other)     // nothing for a null pointer
+    {
+        if (other != nullptr)
+            InsertAt(index, *other);
     }
     // As many of the elements from `index` on as there are.
     void RemoveAt(Index index, Index count = 1)

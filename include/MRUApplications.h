@@ -6,11 +6,11 @@
 #include "BasicTypes.h"
 #include "CString.h"
 #include "Kvt01Api.h"
+#include "TextArray.h"
 
 #include <vector>
 
 class CArchive;
-class TextArray;
 
 class KVT01_API MRUApplications {
 public:

@@ -56,7 +56,8 @@ public:
 
     // Stores what the limits let through. Loading replaces both lists (the limits stay) once all is read, so
     // that an exception leaves them as they were; a record of an unknown version raises CArchiveException.
-    // Texts that stand twice are taken once, where they rank highest.
+    // Texts that stand twice, as ReplaceInAll can leave them, come back so: storing them again gives the same
+    // bytes. Only counts without a text are dropped.
     void Serialize(CArchive& archive);
 
 private:

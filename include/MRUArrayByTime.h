@@ -9,11 +9,11 @@
 #include "BasicTypes.h"
 #include "CString.h"
 #include "Kvt01Api.h"
+#include "TextArray.h"
 
 #include <memory>
 
 class CArchive;
-class TextArray;
 
 class KVT01_API MRUArrayByTime {
 public:

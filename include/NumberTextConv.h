@@ -8,10 +8,9 @@
 #pragma once
 
 #include "BasicTypes.h"
+#include "CByteArray.h"
 #include "CString.h"
 #include "Kvt01Api.h"
-
-class CByteArray;
 
 class KVT01_API NumberTextConv {
 public:
@@ -25,6 +24,14 @@ public:
     static CString NumberToString(int value, bool grouped = false);
     static CString NumberToString(int value, bool grouped, int minWidth, const CString& pad = CString());
     static CString NumberToString(uint64 value, bool grouped = false);
+    static CString NumberToString(unsigned int value, bool grouped = false)
+    {
+        return NumberToString(uint64{value}, grouped);
+    }
+    static CString NumberToString(unsigned long value, bool grouped = false)
+    {
+        return NumberToString(uint64{value}, grouped);
+    }
 
     // ---- text to integers: all digits of the text in a row, whatever stands between them, negative when -
     // there is a '(' or '-' anywhere. No overflow check: the result is the number modulo 2^32 or 2^64.

@@ -27,4 +27,11 @@ public:
     // primes below a million take milliseconds; a range that holds a prime near 2^64 takes some ten seconds,
     // as its divisors go up to the square root of hi.
     static void GetPrimesInRange(uint64 lo, uint64 hi, std::vector<uint64>& primes);
+    template <LongUint64 Number>
+    static void GetPrimesInRange(uint64 lo, uint64 hi, std::vector<Number>& primes)
+    {
+        std::vector<uint64> found;
+        GetPrimesInRange(lo, hi, found);
+        primes.insert(primes.end(), found.begin(), found.end());
+    }
 };

@@ -4,7 +4,8 @@
 // A container is stored as a 16-bit container version (1), the number of elements (8 bytes), and the elements
 // in iteration order. With bLegacy a load expects the older layout: no version word and a count of 4 bytes,
 // in nested containers too. Storing ignores bLegacy, and loading ignores the value of the version word. The
-// bytes of the elements are those of CArchive's operators; a CRect is left, top, right, bottom.
+// bytes of the elements are those of CArchive's operators; a CRect is left, top, right, bottom, and a
+// TextArray the record that it makes itself.
 //
 // Loading replaces what the container held. A vector of strings that already has as many elements as are
 // loaded is overwritten in place, which keeps references to its elements good. Of pairs with the same key the
@@ -21,6 +22,7 @@
 #include "DateTime.h"
 #include "Kvt01Api.h"
 #include "StringUtils.h"
+#include "TextArray.h"
 
 #include <functional>
 #include <map>
@@ -34,9 +36,12 @@ template <class Key>
 concept TextKey = OneOf<Key, CString, std::string>;
 template <class Order, class Key> // the orders of containers with text keys
 concept TextOrder = OneOf<Order, std::less<Key>, StringUtils::NoCase>;
+template <class Number>
+concept Uint64Value = OneOf<Number, uint64> || LongUint64<Number>;
 template <class Value>
 concept IntMapValue =
-    OneOf<Value, bool, int, uint64, double, DateTime, std::string, CString, std::vector<int>>;
+    OneOf<Value, bool, int, double, DateTime, std::string, CString, TextArray, std::vector<int>> ||
+    Uint64Value<Value>;
 template <class Value>
 concept TextMapValue =
     OneOf<Value, bool, int, UINT, double, DateTime, CString, std::string, std::vector<CString>>;
@@ -46,7 +51,8 @@ public:
     // ---- vectors ----------------------------------------------------------------------------------------
     static void Serialize(CArchive& archive, std::vector<bool>& list, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::vector<int>& list, bool bLegacy = false);
-    static void Serialize(CArchive& archive, std::vector<uint64>& list, bool bLegacy = false);
+    template <Uint64Value Number>
+    static void Serialize(CArchive& archive, std::vector<Number>& list, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::vector<double>& list, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::vector<CString>& list, bool bLegacy = false);
     static void Serialize(CArchive& archive, std::vector<std::string>& list, bool bLegacy = false);
@@ -59,6 +65,8 @@ public:
     // ---- maps -------------------------------------------------------------------------------------------
     template <IntMapValue Value>
     static void Serialize(CArchive& archive, std::map<int, Value>& map, bool bLegacy = false);
+    template <Uint64Value Key>
+    static void Serialize(CArchive& archive, std::map<Key, TextArray>& map, bool bLegacy = false);
     template <TextKey Key, TextMapValue Value, TextOrder<Key> Order>
     static void Serialize(CArchive& archive, std::map<Key, Value, Order>& map, bool bLegacy = false);
     template <TextOrder<CString> Order>
@@ -91,6 +99,7 @@ public:
     static uint64 DeserializeLoopCounter(CArchive& archive, bool bLegacy, WORD& version);
 
 protected:
+    // In the wrong direction the cause is genericException.
     static void Serializestring(CArchive& archive, const std::string& text); // store only
     static void Deserialize(CArchive& archive, std::string& text);           // load only
 };

@@ -7,8 +7,7 @@
 
 #include "CString.h"
 #include "Kvt01Api.h"
-
-class TextArray;
+#include "TextArray.h"
 
 class KVT01_API StringUtils {
 public:
@@ -114,13 +113,13 @@ public:
     // empty word and a blank s. The flags say whether "_" and "$" delimit; other punctuation and white space
     // do.
     //   1st "var" in "my_var var" -> 7, and 3 when "_" delimits
-    static int FindWholeWordMatch(const CString& s, const CString& word, int n, int start,
-                                  bool underscoreDelimits, bool dollarDelimits);
+    static int FindWholeWordMatch(const CString& s, const CString& word, int n = 1, int start = 0,
+                                  bool underscoreDelimits = false, bool dollarDelimits = false);
 
     // The smallest of the places where the words are first found, or -1 when one of them is missing, or there
     // are no words, or s is empty. With case; an empty word is found at 0, but never as a whole word.
-    static int FindAllWords(const TextArray& words, const CString& s, bool wholeWord, bool underscoreDelimits,
-                            bool dollarDelimits);
+    static int FindAllWords(const TextArray& words, const CString& s, bool wholeWord = false,
+                            bool underscoreDelimits = false, bool dollarDelimits = false);
 
     // Whether s holds a GUID: 32 hexadecimal digits of either case in groups of 8-4-4-4-12 with hyphens, the
     // neighbours of which are no ASCII letters or digits. Braces and the like may stand around it; digits
@@ -134,7 +133,8 @@ public:
     // CString::MakeLower makes of all three is compared. An empty marker stands nowhere; two equal markers
     // never leave a block open.
     //   with "<b>" and "</b>": "a <b>c" -> true, "a <B>c</b> d" -> false, "c</b>" -> false
-    static bool IsInTextBlock(const CString& text, const CString& open, const CString& close, bool neither);
+    static bool IsInTextBlock(const CString& text, const CString& open, const CString& close,
+                              bool neither = false);
 
     // Where the markers of the n-th pair start, n from 1; false, and both -1, when there are fewer, for n
     // below 1 and an empty marker. With case. A pair is an opening marker and the first closing one behind

@@ -12,15 +12,16 @@
 
 #include "BasicTypes.h"
 #include "CString.h"
+#include "CStringArray.h"
+#include "CStringList.h"
 #include "Kvt01Api.h"
 
 #include <concepts>
 #include <cstddef>
+#include <initializer_list>
 #include <vector>
 
 class CArchive;
-class CStringArray;
-class CStringList;
 
 class KVT01_API TextArray {
 public:
@@ -36,6 +37,12 @@ public:
     // first sort or sorted insertion, which takes it from the user's locale; once it is not empty it is never
     // refreshed.
     static CString& m_csDecimal;
+
+    using value_type = CString;
+    using const_iterator = std::vector<CString>::const_iterator;
+
+    TextArray() = default;
+    TextArray(std::initializer_list<CString> texts) : m_strings(texts) {}
 
     // ---- elements ---------------------------------------------------------------------------------------
     void Add(const CString& s) { m_strings.push_back(s); }
@@ -69,8 +76,8 @@ public:
     {
         return index < GetCount() ? m_strings[index] : NoString();
     }
-    std::vector<CString>::const_iterator begin() const { return m_strings.begin(); }
-    std::vector<CString>::const_iterator end() const { return m_strings.end(); }
+    const_iterator begin() const { return m_strings.begin(); }
+    const_iterator end() const { return m_strings.end(); }
     friend bool operator==(const TextArray& a, const TextArray& b) { return a.m_strings == b.m_strings; }
 
     // ---- simple edits -----------------------------------------------------------------------------------
@@ -101,7 +108,7 @@ public:
     void AdjustEntries(const CString& text, bool atFront);
     // Appends the decimal texts of from..to, grouped by the user's settings when `grouped`. Nothing when
     // `from` is above `to`.
-    void AddValuesRange(int from, int to, bool grouped);
+    void AddValuesRange(int from, int to, bool grouped = false);
     CString ConvertIntoOneLine(const CString& separator) const; // none after the last element
     // Copying to another list replaces what that held; copying from one appends, as CopyFromVector does.
     void CopyToVector(std::vector<CString>& list) const;
@@ -142,8 +149,8 @@ public:
     static int DoCompareFiles(const CString& a, const CString& b, bool caseSensitive = true);
     // Whether a must come before b. Text: by Compare or CompareNoCase. Paths: by CompareDirs, and within a
     // folder by CompareFiles. Files: by CompareFiles.
-    static bool SortCompareItems(const CString& a, const CString& b, bool ascending, bool caseSensitive,
-                                 Content content);
+    static bool SortCompareItems(const CString& a, const CString& b, bool ascending = true,
+                                 bool caseSensitive = true, Content content = ContentText);
     // Equal elements come in no particular order. Each string is read once or a few times, so that the time
     // hardly depends on what the comparison costs; an array in order, or in the opposite one, is only read.
     // Names with numbers of three decimals or more, or of more than 127 digits, are compared by the rule
@@ -162,7 +169,8 @@ public:
     // is never equal there: who has text compares it himself.
     static bool AreDirsEqual(const CString& a, const CString& b, bool caseSensitive = true);
     static bool AreFilesEqual(const CString& a, const CString& b, bool caseSensitive = true);
-    static bool ArePathsEqual(const CString& a, const CString& b, bool caseSensitive, Content content);
+    static bool ArePathsEqual(const CString& a, const CString& b, bool caseSensitive = true,
+                              Content content = ContentPaths);
 
     // ---- removing: true when anything was removed; the others keep their order --------------------------
     // Elements are equal as text for ContentText, else by ArePathsEqual. All of these take time proportional

@@ -34,6 +34,7 @@ public:
     // By major, then minor, then sub.
     bool operator<(const VersionNumber& other) const noexcept;
     bool operator>(const VersionNumber& other) const noexcept { return other < *this; }
+    bool operator==(const VersionNumber& other) const noexcept = default;
 
     // Stored: the 16-bit word 1, then the three parts, 32 bits each. Loading does not look at the word.
     // CArchiveException leaves the object as it was.

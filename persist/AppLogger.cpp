@@ -237,3 +237,19 @@ CString AppLogger::GetRegistryValue(const CString& key, const CString& value)
 {
     return LogSettings::Value(key, value);
 }
+
+CString AppLogger::GetSettingsPathFromRegistry()
+{
+    const Locked log;
+    return LogSettings::GetSettingsPathFromRegistry(m_csAppName);
+}
+
+void AppLogger::DealWithProgramFilesInstall(CString& folder)
+{
+    LogSettings::DealWithProgramFilesInstall(folder);
+}
+
+CString AppLogger::GetProgramFilesDir()
+{
+    return LogSettings::GetProgramFilesDir();
+}

@@ -296,25 +296,6 @@ namespace {
 
 enum : WORD { Plain = 0, Encrypted = 1 };
 
-// The count is a claim: memory grows in steps, with the bytes that are really there.
-void LoadBytes(CArchive& archive, CByteArray& bytes)
-{
-    constexpr uint64 FirstStep = 64 * 1024;
-    const uint64 count = archive.ReadCount();
-    for (uint64 done = 0; done < count;) {
-        const uint64 step = std::min(count - done, std::max(done, FirstStep));
-        bytes.SetSize(static_cast<CByteArray::Index>(done + step));
-        archive.EnsureRead(bytes.GetData() + done, static_cast<std::size_t>(step));
-        done += step;
-    }
-}
-
-void StoreBytes(CArchive& archive, const CByteArray& bytes)
-{
-    archive.WriteCount(static_cast<uint64>(bytes.GetSize()));
-    archive.Write(bytes.GetData(), SizeOf(bytes));
-}
-
 } // namespace
 
 void Crypto::Serialize(CArchive& archive, CString& text)
@@ -336,7 +317,7 @@ void Crypto::StoreRecord(CArchive& archive, const CString& text)
         return;
     }
     archive << WORD{Encrypted};
-    StoreBytes(archive, bytes);
+    bytes.Serialize(archive);
 }
 
 void Crypto::LoadRecord(CArchive& archive, CString& text)
@@ -348,6 +329,6 @@ void Crypto::LoadRecord(CArchive& archive, CString& text)
         return;
     }
     CByteArray bytes;
-    LoadBytes(archive, bytes);
+    bytes.Serialize(archive);
     DoVerifiedDecryption(bytes, text);
 }

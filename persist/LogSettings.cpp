@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "FileUtils.h"
+#include "StringUtils.h"
 #include "framework/PathParts.h"
 #include "platform/Platform.h"
 
@@ -65,21 +66,15 @@ CString FullPath(const CString& path)
     return full;
 }
 
-CString ChosenFolder(const CString& application)
-{
-    const CString key = KeyOf(application);
-    const CString ofBuild = Is64Bit ? LogSettings::Value(key, FolderOf64BitBuild) : CString();
-    return ofBuild.IsEmpty() ? LogSettings::Value(key, "SettingsPath") : ofBuild;
-}
-
 struct FreeTaskMemory {
     void operator()(void* memory) const { CoTaskMemFree(memory); }
 };
 
-CString UsualFolder(const CString& fileName)
+// With its separator; empty where the system has no such folder.
+CString KnownFolder(const KNOWNFOLDERID& folder)
 {
     WCHAR* wide = nullptr;
-    const bool isKnown = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &wide) == S_OK;
+    const bool isKnown = SHGetKnownFolderPath(folder, 0, nullptr, &wide) == S_OK;
     const std::unique_ptr<WCHAR, FreeTaskMemory> owner(wide);
     if (!isKnown)
         return CString();
@@ -87,7 +82,13 @@ CString UsualFolder(const CString& fileName)
     const int size = WideCharToMultiByte(CP_ACP, 0, wide, -1, nullptr, 0, nullptr, nullptr);
     WideCharToMultiByte(CP_ACP, 0, wide, -1, base.GetBuffer(size), size, nullptr, nullptr);
     base.ReleaseBuffer();
-    return WithSeparator(base) + Company + "/" + fileName;
+    return WithSeparator(base);
+}
+
+CString UsualFolder(const CString& fileName)
+{
+    const CString base = KnownFolder(FOLDERID_LocalAppData);
+    return base.IsEmpty() ? base : base + Company + "/" + fileName;
 }
 
 // ---- the name -------------------------------------------------------------------------------------------
@@ -157,12 +158,34 @@ void LogSettings::SwitchOn(const CString& application, bool isOn)
     RegSetValueExA(created, Switch, 0, REG_SZ, reinterpret_cast<const BYTE*>(text), 2);
 }
 
+CString LogSettings::GetSettingsPathFromRegistry(const CString& application)
+{
+    if (!HasName(application))
+        return CString();
+    const CString key = KeyOf(application);
+    const CString ofBuild = Is64Bit ? Value(key, FolderOf64BitBuild) : CString();
+    return ofBuild.IsEmpty() ? Value(key, "SettingsPath") : ofBuild;
+}
+
+CString LogSettings::GetProgramFilesDir()
+{
+    return KnownFolder(FOLDERID_ProgramFiles);
+}
+
+void LogSettings::DealWithProgramFilesInstall(CString& folder)
+{
+    const CString programs = GetProgramFilesDir();
+    if (!programs.IsEmpty() && StringUtils::MatchFirstChars(FullPath(folder), programs, false))
+        folder.Empty();
+}
+
 CString LogSettings::LogFile(const CString& application)
 {
     if (!HasName(application))
         return CString();
     const CString name = AsFileName(application);
-    CString folder = ChosenFolder(application);
+    CString folder = GetSettingsPathFromRegistry(application);
+    DealWithProgramFilesInstall(folder);
     if (folder.IsEmpty())
         folder = UsualFolder(name);
     return folder.IsEmpty() ? CString() : FullPath(WithSeparator(folder) + name + Extension);

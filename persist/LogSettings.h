@@ -14,9 +14,16 @@ CString Value(const CString& key, const CString& name);
 bool IsSwitchedOn(const CString& application);        // Log, as a decimal number, is 1
 void SwitchOn(const CString& application, bool isOn); // 1 or 0
 
-// The full path of <application>.log in the folder that SettingsPathRelease_x64 names (SettingsPathDebug_x64
-// in a debug build; neither counts in a 32-bit one), else SettingsPath, else in
-// CorvaneSoftware/<application> below the user's folder for such files. Empty where there is no such folder.
+// The folder that SettingsPathRelease_x64 names (SettingsPathDebug_x64 in a debug build; neither counts in a
+// 32-bit one), else SettingsPath; empty without one.
+CString GetSettingsPathFromRegistry(const CString& application);
+// Where the system keeps programs, with a separator at the end; empty where there is no such folder, so on
+// POSIX systems. Users may not write there: a folder inside it is emptied.
+CString GetProgramFilesDir();
+void DealWithProgramFilesInstall(CString& folder);
+
+// The full path of <application>.log in the registry's folder, or else in CorvaneSoftware/<application> below
+// the user's folder for such files. Empty where there is no such folder.
 CString LogFile(const CString& application);
 
 // The name as one part of a path, for any bytes: those that a file name must not have, and a dot at the

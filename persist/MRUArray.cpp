@@ -247,11 +247,10 @@ void LoadRecord(CArchive& archive, TextArray& recent, PopularTable& table)
     }
 }
 
-void AppendNew(RankedTexts<int>& texts, int rank, const TextArray& list)
+void AppendAll(RankedTexts<int>& texts, int rank, const TextArray& list)
 {
     for (const CString& text : list)
-        if (texts.Find(text) == texts.None)
-            texts.Append(rank, text);
+        texts.Append(rank, text);
 }
 
 } // namespace
@@ -269,7 +268,7 @@ void MRUArray::Serialize(CArchive& archive)
     PopularTable table;
     LoadRecord(archive, recent, table);
     Clear();
-    AppendNew(m_lists->recent, RecentRank, recent);
+    AppendAll(m_lists->recent, RecentRank, recent);
     for (auto bucket = table.rbegin(); bucket != table.rend(); ++bucket)
-        AppendNew(m_lists->popular, bucket->first, bucket->second);
+        AppendAll(m_lists->popular, bucket->first, bucket->second);
 }

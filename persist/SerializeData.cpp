@@ -1,5 +1,7 @@
 #include "SerializeData.h"
 
+#include <climits>
+
 #include "persist/ContainerRecord.h"
 
 // ---- vectors and sets -----------------------------------------------------------------------------------
@@ -14,7 +16,8 @@ void SerializeData::Serialize(CArchive& archive, std::vector<int>& list, bool bL
     ContainerRecord::Serialize(archive, list, bLegacy);
 }
 
-void SerializeData::Serialize(CArchive& archive, std::vector<uint64>& list, bool bLegacy)
+template <Uint64Value Number>
+void SerializeData::Serialize(CArchive& archive, std::vector<Number>& list, bool bLegacy)
 {
     ContainerRecord::Serialize(archive, list, bLegacy);
 }
@@ -49,6 +52,12 @@ void SerializeData::Serialize(CArchive& archive, std::unordered_set<std::string>
 
 template <IntMapValue Value>
 void SerializeData::Serialize(CArchive& archive, std::map<int, Value>& map, bool bLegacy)
+{
+    ContainerRecord::Serialize(archive, map, bLegacy);
+}
+
+template <Uint64Value Key>
+void SerializeData::Serialize(CArchive& archive, std::map<Key, TextArray>& map, bool bLegacy)
 {
     ContainerRecord::Serialize(archive, map, bLegacy);
 }
@@ -138,13 +147,21 @@ void SerializeData::Serialize(CArchive& archive, std::string& text)
         Deserialize(archive, text);
 }
 
+static void Require(bool isDirectionRight)
+{
+    if (!isDirectionRight)
+        throw CArchiveException(CArchiveException::genericException);
+}
+
 void SerializeData::Serializestring(CArchive& archive, const std::string& text)
 {
+    Require(archive.IsStoring());
     archive << text;
 }
 
 void SerializeData::Deserialize(CArchive& archive, std::string& text)
 {
+    Require(archive.IsLoading());
     archive >> text;
 }
 
@@ -180,6 +197,10 @@ uint64 SerializeData::DeserializeLoopCounter(CArchive& archive, bool bLegacy, WO
 
 #define KVT01_CONTAINER(...) template KVT01_API void SerializeData::Serialize(CArchive&, __VA_ARGS__&, bool)
 #define KVT01_INT_MAP(Value) KVT01_CONTAINER(std::map<int, Value>)
+#define KVT01_UINT64(Number)                                                                                 \
+    KVT01_CONTAINER(std::vector<Number>);                                                                    \
+    KVT01_INT_MAP(Number);                                                                                   \
+    KVT01_CONTAINER(std::map<Number, TextArray>)
 #define KVT01_TEXT_MAPS(Value)                                                                               \
     KVT01_CONTAINER(std::map<CString, Value>);                                                               \
     KVT01_CONTAINER(std::map<CString, Value, StringUtils::NoCase>);                                          \
@@ -193,12 +214,17 @@ KVT01_CONTAINER(std::set<std::string, StringUtils::NoCase>);
 
 KVT01_INT_MAP(bool);
 KVT01_INT_MAP(int);
-KVT01_INT_MAP(uint64);
 KVT01_INT_MAP(double);
 KVT01_INT_MAP(DateTime);
 KVT01_INT_MAP(std::string);
 KVT01_INT_MAP(CString);
+KVT01_INT_MAP(TextArray);
 KVT01_INT_MAP(std::vector<int>);
+
+KVT01_UINT64(uint64);
+#if ULONG_MAX > 0xFFFFFFFF // LongUint64
+KVT01_UINT64(unsigned long);
+#endif
 
 KVT01_TEXT_MAPS(bool);
 KVT01_TEXT_MAPS(int);

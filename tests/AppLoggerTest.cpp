@@ -146,7 +146,7 @@ TEST_F(AppLoggerTest, SerializingReplacesTheListOrLeavesIt)
                                         "0700034170700100000000000000"
                                         "02000300020000000A000000037B787D0161");
     const std::string impossible = EntryBytes("", "").substr(0, 13) + BytesOf("FF FFFF FEFFFFFF");
-    EXPECT_THROW(LogHome::Load(HeaderBytes(2) + EntryBytes("", "c") + impossible), std::length_error);
+    EXPECT_THROW(LogHome::Load(HeaderBytes(2) + EntryBytes("", "c") + impossible), CArchiveException);
     EXPECT_EQ(LogHome::Stored(), HeaderBytes(1) + EntryBytes("", "c"));
 }
 

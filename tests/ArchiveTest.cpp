@@ -61,8 +61,7 @@ concept Storable = requires(CArchive& archive, Value value)
 };
 static_assert(Storable<int> && Storable<int64> && Storable<bool> && Storable<CString>);
 static_assert(!Storable<wchar_t> && !Storable<long double>);
-static_assert(Storable<long> == std::is_same_v<long, LONG>); // whose width is the same everywhere
-static_assert(Storable<unsigned long> == std::is_same_v<unsigned long, DWORD>);
+static_assert(Storable<std::int64_t> && Storable<std::uint64_t> && Storable<LONG> && Storable<DWORD>);
 
 TEST(Archive, PrefixesChangeAtTheirLimits)
 {
@@ -96,9 +95,8 @@ TEST(Archive, ClaimedTextLengthsAreNotBelieved)
     for (const auto& [hex, cause] : Cases<2>("broken texts")) {
         CString text = "kept";
         const auto load = [&, &bytes = hex] { LoadFrom(BytesOf(bytes), [&](CArchive& a) { a >> text; }); };
-        EXPECT_EQ(CauseOf(load), cause == "end"      ? CArchiveException::endOfFile
-                                 : cause == "length" ? LengthError
-                                                     : CArchiveException::genericException)
+        EXPECT_EQ(CauseOf(load),
+                  cause == "end" ? CArchiveException::endOfFile : CArchiveException::genericException)
             << hex;
         EXPECT_EQ(text, "kept");
     }
@@ -245,14 +243,16 @@ TEST(ArchiveContainers, CountersAndOperationsOfOneDirection)
     const std::string bytes = StoredBy([&](CArchive& archive) {
         Reachable::Serializestring(archive, text);
         EXPECT_EQ(SerializeData::SerializeLoopCounter(archive, 258, true), 258u);
-        EXPECT_THROW(Reachable::Deserialize(archive, text), CArchiveException);
+        EXPECT_EQ(CauseOf([&] { Reachable::Deserialize(archive, text); }),
+                  CArchiveException::genericException);
         for (const bool isLegacy : {false, true})
             EXPECT_THROW(SerializeData::DeserializeLoopCounter(archive, isLegacy, version),
                          CArchiveException);
     });
     EXPECT_EQ(HexOf(bytes), "0261620201000000000000");
     LoadFrom(bytes + BytesOf("03010000 04010000 0700 0501000000000000"), [&](CArchive& archive) {
-        EXPECT_THROW(Reachable::Serializestring(archive, text), CArchiveException);
+        EXPECT_EQ(CauseOf([&] { Reachable::Serializestring(archive, text); }),
+                  CArchiveException::genericException);
         Reachable::Deserialize(archive, text = "");
         EXPECT_EQ(text, "ab");
         EXPECT_EQ(SerializeData::SerializeLoopCounter(archive, 1), 258u);

@@ -4,6 +4,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -86,8 +87,10 @@ TEST(DateEntryDates, AreThoseOfTheWalk)
 
 TEST(DateEntryDates, CountOccurrences)
 {
-    for (const int n : {INT_MIN, -1, 0, 1, 4, 5, 6, 7, INT_MAX}) {
-        EXPECT_EQ(Weekday(4, 5, 11).GetOccurrenceDate(n, 2024), n == 1 || n == 4 ? 7 * n : 0) << n;
+    const std::map<int, int> days = {{INT_MIN, INT_MIN}, {-1, -7},    {0, 0}, {1, 7}, {4, 28}, {5, 0}, {7, 0},
+                                     {0x24924925, 3},    {INT_MAX, 0}}; // 32 bits wrap
+    for (const auto& [n, day] : days) {
+        EXPECT_EQ(Weekday(4, 5, 11).GetOccurrenceDate(n, 2024), day) << n;
         EXPECT_EQ(DateEntry::ConvertOccurrence(static_cast<DateEntry::OCCURRENCE>(n)),
                   n >= 1 && n <= 6 ? n : 0);
     }

@@ -22,14 +22,12 @@
 
 namespace {
 
-constexpr unsigned long DecimalSeparatorItem = 14; // LOCALE_SDECIMAL
-
 void FillDecimalSeparator()
 {
     if (!TextArray::m_csDecimal.IsEmpty())
         return;
     if (LocaleUtils::m_csDecimalSeparator.IsEmpty())
-        LocaleUtils::m_csDecimalSeparator = LocaleUtils::GetLocaleInfoFor(DecimalSeparatorItem);
+        LocaleUtils::m_csDecimalSeparator = LocaleUtils::GetLocaleInfoFor(LOCALE_SDECIMAL);
     TextArray::m_csDecimal = LocaleUtils::m_csDecimalSeparator;
 }
 

@@ -28,12 +28,15 @@ inline constexpr DWORD OPEN_ALWAYS = 4;
 inline constexpr DWORD TRUNCATE_EXISTING = 5;
 inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
 inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2; // the name begins with a dot
+inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4; // no file here has this one, TEMPORARY and COMPRESSED
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20; // all but folders
 inline constexpr DWORD FILE_ATTRIBUTE_DEVICE =
     0x40; // what is neither file nor folder: devices, pipes, sockets
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr DWORD FILE_ATTRIBUTE_TEMPORARY = 0x100;
 inline constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400; // a link; the other attributes are its target's
+inline constexpr DWORD FILE_ATTRIBUTE_COMPRESSED = 0x800;
 inline constexpr DWORD FILE_FLAG_BACKUP_SEMANTICS = 0x02000000;
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 inline constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;

@@ -18,6 +18,7 @@
 #pragma once
 
 #include "BasicTypes.h"
+#include "LocaleUtils.h" // the items that hosts know too
 
 using LCID = DWORD;
 using LCTYPE = DWORD;
@@ -30,52 +31,15 @@ inline constexpr LCTYPE LOCALE_NOUSEROVERRIDE =
     0x80000000;                                            // may be added to an item: the locale's own answer
 inline constexpr LCTYPE LOCALE_RETURN_NUMBER = 0x20000000; // may be added to an item whose answer is a number
 
-inline constexpr LCTYPE LOCALE_ICOUNTRY = 5;
-inline constexpr LCTYPE LOCALE_IMEASURE = 13;
-inline constexpr LCTYPE LOCALE_SDECIMAL = 14;
-inline constexpr LCTYPE LOCALE_STHOUSAND = 15;
-inline constexpr LCTYPE LOCALE_SGROUPING = 16;
-inline constexpr LCTYPE LOCALE_IDIGITS = 17;
-inline constexpr LCTYPE LOCALE_ILZERO = 18;
-inline constexpr LCTYPE LOCALE_SCURRENCY = 20;
-inline constexpr LCTYPE LOCALE_SMONDECIMALSEP = 22;
-inline constexpr LCTYPE LOCALE_SMONTHOUSANDSEP = 23;
-inline constexpr LCTYPE LOCALE_SMONGROUPING = 24;
-inline constexpr LCTYPE LOCALE_ICURRDIGITS = 25;
-inline constexpr LCTYPE LOCALE_ICURRENCY = 27;
-inline constexpr LCTYPE LOCALE_INEGCURR = 28;
-inline constexpr LCTYPE LOCALE_SDATE = 29;
-inline constexpr LCTYPE LOCALE_STIME = 30;
 inline constexpr LCTYPE LOCALE_SSHORTDATE = 31;
 inline constexpr LCTYPE LOCALE_SLONGDATE = 32;
-inline constexpr LCTYPE LOCALE_IDATE = 33;
-inline constexpr LCTYPE LOCALE_ITIME = 35;
-inline constexpr LCTYPE LOCALE_ICENTURY = 36;
-inline constexpr LCTYPE LOCALE_ITLZERO = 37;
-inline constexpr LCTYPE LOCALE_IDAYLZERO = 38;
-inline constexpr LCTYPE LOCALE_IMONLZERO = 39;
-inline constexpr LCTYPE LOCALE_S1159 = 40;
-inline constexpr LCTYPE LOCALE_S2359 = 41;
-inline constexpr LCTYPE LOCALE_SDAYNAME1 = 42; // Monday; the other six follow
-inline constexpr LCTYPE LOCALE_SDAYNAME7 = 48;
-inline constexpr LCTYPE LOCALE_SABBREVDAYNAME1 = 49;
-inline constexpr LCTYPE LOCALE_SABBREVDAYNAME7 = 55;
-inline constexpr LCTYPE LOCALE_SMONTHNAME1 = 56; // January; the other eleven follow
-inline constexpr LCTYPE LOCALE_SABBREVMONTHNAME1 = 68;
 inline constexpr LCTYPE LOCALE_SISO639LANGNAME = 89;
 inline constexpr LCTYPE LOCALE_SISO3166CTRYNAME = 90;
-inline constexpr LCTYPE LOCALE_SENGLANGUAGE = 4097;
-inline constexpr LCTYPE LOCALE_SENGCOUNTRY = 4098;
 inline constexpr LCTYPE LOCALE_STIMEFORMAT = 4099;
-inline constexpr LCTYPE LOCALE_ITIMEMARKPOSN = 4101;
-inline constexpr LCTYPE LOCALE_IFIRSTDAYOFWEEK = 4108;
-inline constexpr LCTYPE LOCALE_SMONTHNAME13 = 4110;
-inline constexpr LCTYPE LOCALE_SABBREVMONTHNAME13 = 4111;
-inline constexpr LCTYPE LOCALE_INEGNUMBER = 4112;
 
-// Only LOCALE_USER_DEFAULT and the items above. Returns the bytes written with the final NUL, or with size 0
-// the bytes needed; for a number 4. 0 is failure: ERROR_INVALID_FLAGS for an item that is not there or has no
-// number, ERROR_INSUFFICIENT_BUFFER, ERROR_INVALID_PARAMETER.
+// Only LOCALE_USER_DEFAULT and the items above and in LocaleUtils.h. Returns the bytes written with the final
+// NUL, or with size 0 the bytes needed; for a number 4. 0 is failure: ERROR_INVALID_FLAGS for an item that is
+// not there or has no number, ERROR_INSUFFICIENT_BUFFER, ERROR_INVALID_PARAMETER.
 int GetLocaleInfoA(LCID locale, LCTYPE item, char* buffer, int size);
 
 struct NUMBERFMTA {

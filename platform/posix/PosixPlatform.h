@@ -8,7 +8,6 @@
 
 #include "BasicTypes.h"
 
-using BOOL = int;
 using HANDLE = void*;
 
 inline constexpr BOOL TRUE = 1;

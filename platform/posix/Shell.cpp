@@ -19,9 +19,11 @@ int PutWide(std::string_view text, WCHAR* room) noexcept
 
 } // namespace
 
-HRESULT SHGetKnownFolderPath(const KNOWNFOLDERID&, DWORD, HANDLE, WCHAR** path) noexcept
+HRESULT SHGetKnownFolderPath(const KNOWNFOLDERID& folder, DWORD, HANDLE, WCHAR** path) noexcept
 {
     *path = nullptr;
+    if (folder != FOLDERID_LocalAppData)
+        return E_FAIL;
     const char* const state = AbsolutePathIn("XDG_STATE_HOME");
     const char* const base = state != nullptr ? state : AbsolutePathIn("HOME");
     if (base == nullptr)

@@ -22,9 +22,15 @@ int main()
 {
     CFileFind finder;
     finder.FindFile("*"); // . and .. at least
+    const LPCSTR name = "x";
+    const INT_PTR count = CStringArray{name}.GetCount();
+    const ULONGLONG size = finder.GetLength();
+    const LONGLONG days = static_cast<LONGLONG>(COleDateTime(DATE{2}).m_dt) * count;
+    const BOOL isKnown = !LocaleUtils::GetLocaleInfoFor(LOCALE_SDECIMAL).IsEmpty() && days == 2 && size == 0;
+    static_assert(LOCALE_SABBREVMONTHNAME13 == 0x100F && LOCALE_INEGNUMBER == 0x1010);
     const bool isFound = finder.FindNextFile() && finder.GetFileTitle() == "";
     CStdioFile file;
     const CFile& base = file;
     const bool isClosed = file.GetFileTitle() == "" && base.GetFileTitle() == "";
-    return isFound && isClosed && DirUtils::CreateDirectory("C:\\kvt01-system-headers") ? 0 : 1;
+    return isKnown && isFound && isClosed && DirUtils::CreateDirectory("C:\\kvt01-system-headers") ? 0 : 1;
 }
