@@ -179,8 +179,8 @@ TEST(TextArraySort, KnowsNoOrderOfUnknownContent)
 // From the user's settings at the first of these operations, and never again.
 TEST(TextArraySort, TakesTheSeparatorOfNumbersAtTheFirstUse)
 {
-    const UserSettings user;
-    UserSettings::Use("sDecimal", ",");
+    UserSettings user;
+    user.Use("sDecimal", ",");
     const std::function<void()> uses[] = {[] { TextArray::DoCompareFiles("a", "b"); },
                                           [] { ListOf("a;b").Sort(); }, [] { ListOf("a").AddSorted("b"); }};
     for (const auto& use : uses)
