@@ -3,7 +3,7 @@
 # WINEPREFIX names or in one of this build's own. It finds the cross-compiler's own libraries.
 set -euo pipefail
 export WINEPREFIX=${WINEPREFIX:-$(cd "$(dirname "$0")/.." && pwd)/build/windows/wine} WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
-export TZ=EST5 # the system's time zone and the runtime's are then the same
+export TZ=${KVT01_TIME_ZONE:-EST5} # in which the system's time zone and the runtime's are the same
 unset DISPLAY
 mkdir -p "$WINEPREFIX"
 exec {lock}>"$WINEPREFIX/lock"

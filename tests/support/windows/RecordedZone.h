@@ -16,7 +16,8 @@ public:
         TIME_ZONE_INFORMATION here = {};
         const bool isSummer = GetTimeZoneInformation(&here) == TIME_ZONE_ID_DAYLIGHT;
         const LONG minutes = zone == "Europe/Berlin" ? -60 : zone == "America/New_York" ? 300 : 0;
-        IsHere = here.Bias == minutes && !(isWinter && isSummer);
+        const bool hasSummer = here.DaylightDate.wMonth != 0;
+        IsHere = here.Bias == minutes && hasSummer == (minutes != 0) && !(isWinter && isSummer);
     }
     bool IsHere;
 };
