@@ -1,8 +1,6 @@
 // The framework's containers in an archive: a count and the elements. A count that is loaded is a claim:
 // memory grows with the elements that are really there.
 #include <algorithm>
-#include <limits>
-#include <stdexcept>
 
 #include "CArchive.h"
 #include "CByteArray.h"
@@ -10,14 +8,6 @@
 #include "CStringList.h"
 
 namespace {
-
-uint64 LoadCount(CArchive& archive)
-{
-    const uint64 count = archive.ReadCount();
-    if (count > static_cast<uint64>(std::numeric_limits<std::ptrdiff_t>::max()))
-        throw std::length_error("container in the archive is too long");
-    return count;
-}
 
 template <class Container, class Append>
 void SerializeTexts(CArchive& archive, Container& texts, Append append)
@@ -28,7 +18,7 @@ void SerializeTexts(CArchive& archive, Container& texts, Append append)
             archive << text;
         return;
     }
-    const uint64 count = LoadCount(archive);
+    const uint64 count = archive.ReadCount();
     texts.RemoveAll();
     for (uint64 i = 0; i < count; ++i) {
         CString text;
@@ -40,7 +30,7 @@ void SerializeTexts(CArchive& archive, Container& texts, Append append)
 void LoadBytes(CArchive& archive, CByteArray& bytes)
 {
     constexpr uint64 FirstStep = 64 * 1024;
-    const uint64 count = LoadCount(archive);
+    const uint64 count = archive.ReadCount();
     bytes.RemoveAll();
     for (uint64 done = 0; done < count;) {
         const uint64 step = std::min(count - done, std::max(done, FirstStep));

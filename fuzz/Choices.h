@@ -3,12 +3,13 @@
 #pragma once
 
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <utility>
 
-class Choices {
+#include "tests/support/Picking.h"
+
+class Choices : public Picking<Choices> {
 public:
     explicit Choices(std::string_view bytes) : m_rest(bytes) {}
 
@@ -21,20 +22,6 @@ public:
     }
     bool OneIn(std::size_t count) { return Below(count) == count - 1; }
     bool Flag() { return OneIn(2); }
-    template <class List>
-    const auto& Pick(const List& list)
-    {
-        return list[Below(std::size(list))];
-    }
-    // So many characters of a string, or texts of a list, in a row.
-    template <class List>
-    std::string Make(const List& pieces, std::size_t count)
-    {
-        std::string text;
-        for (; count > 0; --count)
-            text += Pick(pieces);
-        return text;
-    }
     bool AreLeft() const { return !m_rest.empty(); }
     std::string Rest() { return std::string(std::exchange(m_rest, {})); }
 

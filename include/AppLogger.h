@@ -90,7 +90,7 @@ public:
     // <application>.log in the folder of the value SettingsPathRelease_x64 (SettingsPathDebug_x64 in a debug
     // build, neither in a 32-bit one), else of SettingsPath, else in the user's folder for such files
     // ($XDG_STATE_HOME, default ~/.local/state), below CorvaneSoftware/<application>/. In these places bytes
-    // of the name that no file name should have are written %2F, and a name above 200 bytes is cut and ends
+    // of the name that no file name should have are written %2F, and a name above 80 bytes is cut and ends
     // in a number of its own. False without a name of the application or a folder.
     static bool SetLogFile();
     static CString GetSettingsPathFromRegistry(); // the folder of those values, or empty

@@ -3,8 +3,8 @@
 //   bool                    a 16-bit word, 1 or 0; on load only 1 is true
 //   numbers                 their own width, unpadded: 1, 2, 4 or 8 bytes; float and double as IEEE 754
 //   CString, std::string    a length prefix, then the characters, no terminator
-// std::int64_t and std::uint64_t have 8 bytes, whatever type they are. There is no operator for the types
-// whose width depends on the platform, `long` of 4 bytes among them: cast to int or int64.
+// std::int64_t and std::uint64_t have 8 bytes, whatever type they are. So `long` has 8 bytes where it is one
+// of them, and 4 on the original platform, where it is LONG: cast a plain `long` to int or int64.
 //
 // Every failure raises CArchiveException, whose cause says which (storing on a loading archive, loading on a
 // storing one, the end of the data, malformed data, a closed archive), or passes on what the file threw.

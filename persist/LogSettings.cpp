@@ -175,7 +175,7 @@ CString LogSettings::GetProgramFilesDir()
 void LogSettings::DealWithProgramFilesInstall(CString& folder)
 {
     const CString programs = GetProgramFilesDir();
-    if (!programs.IsEmpty() && StringUtils::MatchFirstChars(FullPath(folder), programs, false))
+    if (!programs.IsEmpty() && StringUtils::MatchFirstChars(FullPath(WithSeparator(folder)), programs, false))
         folder.Empty();
 }
 

@@ -8,6 +8,7 @@ need_packages "${build_packages[@]}" clang libclang-rt-14-dev
 
 cd "$here"
 target=${1:?a target of fuzz/Targets.h}
+grep -q "{\"$target\"," fuzz/Targets.h || { echo "no target of fuzz/Targets.h: $target" >&2; exit 2; }
 cmake --preset fuzz
 cmake --build --preset fuzz
 mkdir -p "build/fuzz/found/$target" "fuzz/corpus/$target"

@@ -17,7 +17,7 @@ for preset in "${presets[@]}"; do
 done
 
 echo "Left out on the original platform:"
-grep -v '^#' tests/windows-exceptions.txt
+sed '/^#/d' tests/windows-exceptions.txt
 
 # One run over all build folders, so that one count stands at the end, and by label that of each platform.
 mkdir -p build/all
@@ -26,5 +26,5 @@ trap 'wineserver --kill || true' EXIT
 # One program stays for the whole run, so that Wine does not end and start anew among the tests, and is there before
 # them: it can hang for minutes when several programs start it together.
 coproc cmake/wine.sh cmd.exe
-read -r -u "${COPROC[0]}"
+read -r -t 300 -u "${COPROC[0]}" || { echo "Wine does not start" >&2; exit 1; }
 ctest --test-dir build/all --parallel "$(nproc)" --output-on-failure

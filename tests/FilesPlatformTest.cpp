@@ -2,10 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <thread>
+#include <vector>
 
+#include "System.h"
 #include "platform/Platform.h"
-#include "support/Agreement.h"
-#include "support/Environment.h"
 #include "support/TemporaryFolder.h"
 
 namespace {

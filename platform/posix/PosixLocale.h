@@ -54,8 +54,8 @@ struct NUMBERFMTA {
 // Writes a number, an optional minus and digits with an optional point among them, in the given form. Returns
 // the bytes written with the final NUL, or with size 0 the bytes needed. 0 is failure:
 // ERROR_INVALID_PARAMETER for another text, a missing format or one out of range (an order above 4 fails for
-// negative numbers only), ERROR_INVALID_FLAGS for flags, ERROR_INSUFFICIENT_BUFFER, after which the buffer
-// holds anything.
+// negative numbers only), ERROR_INVALID_FLAGS for flags, ERROR_INSUFFICIENT_BUFFER. All of the buffer is
+// written to: what stands behind the text, or after a failure in any of it, means nothing.
 //   Grouping 3: 1,234,567   32: 12,34,567   30: 1234,567   0: 1234567
 //   a 0 with digits behind it is an empty group: 203: 1,234,567,,89
 int GetNumberFormatA(LCID locale, DWORD flags, const char* value, const NUMBERFMTA* format, char* buffer,
