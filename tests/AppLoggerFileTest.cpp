@@ -57,7 +57,7 @@ TEST_F(AppLoggerFileTest, NoLineThatAddLineReturnedFromIsLostWhenTheProcessIsKil
     RandomTexts random;
     AppLogger::DeleteInstance();
     int last = 0;
-    constexpr int kills = 40;
+    constexpr int kills = 300;
     for (int i = 0; i < kills; ++i) {
         folder.Write("said by x", "");
         std::thread writer([&] { Write("x", last + 1, INT_MAX); });
