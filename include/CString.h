@@ -400,7 +400,7 @@ private:
     int FindShort(char c) const noexcept
     {
         constexpr std::uint64_t Each = 0x0101010101010101;
-        const int length = m_bytes[TagAt];
+        const int length = static_cast<unsigned char>(m_bytes[TagAt]);
         for (int at = 0; at < length; at += 8) {
             std::uint64_t eight;
             std::memcpy(&eight, m_bytes + at, sizeof eight);
